@@ -1,0 +1,14 @@
+#include "platform/foundation/Exception.h"
+
+#include <utility>
+
+namespace zv {
+
+Exception::Exception(std::string name, std::string reason, Value userInfo)
+    : name_(std::move(name)), reason_(std::move(reason)), userInfo_(std::move(userInfo)) {}
+
+void Exception::raise(std::string name, std::string reason) {
+  throw Exception(std::move(name), std::move(reason));
+}
+
+}  // namespace zv
