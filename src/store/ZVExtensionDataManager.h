@@ -1,0 +1,69 @@
+// ZVExtensionDataManager keeps the state that the extensions share with the host application in the
+// app group's key-value store: configuration written by the host application (query parameters,
+// identifiers, reports endpoint), notifications received but not yet seen by the host application
+// (at most 31 kept), events recorded but not yet reported, and the last card click.
+//
+// One process-wide instance (sharedManager). Every operation is safe to call from any thread; list
+// updates (append an event, append a pending notification, reset the events) are atomic
+// read-modify-writes, so several processes writing the same suite lose nothing.
+#pragma once
+
+#include <boost/json/object.hpp>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+
+#include "platform/foundation/Value.h"
+
+namespace zv {
+
+class ZVPushPayload;
+class UserDefaults;
+
+class ZVExtensionDataManager {
+ public:
+  static ZVExtensionDataManager& sharedManager();
+
+  // The application id of the notification being handled, stored as found in the payload (a string
+  // in practice); nil until configured.
+  Value currentAppID() const;
+
+  void configureDataManagerWithAppID(const Value& appID);
+  void setAppGroupID(const std::optional<std::string>& appGroupID);
+  std::optional<std::string> getAppGroupID();
+  bool appGroupIDProvided();
+  // A new handle on the app group's suite; nullptr when no app group id is stored.
+  std::shared_ptr<UserDefaults> getZovUserDefaults();
+
+  std::optional<boost::json::object> getQueryParams();
+  std::optional<boost::json::object> getIdentifiers();
+  // Returned without a type check, as stored (defaults: the reports host, "https", 443,
+  // "/v2/report/add/<app id>").
+  Value getZoVReportsHost();
+  Value getZoVReportsScheme();
+  Value getZoVReportsPort();
+  Value getZoVReportsPath();
+
+  Value getPendingNotifications();
+  void updatePendingNotifications(const Value& list);
+  void saveClickedCardInfo(const Value& info);
+  void saveReceivedNotificationWithPayload(const Value& payload);
+  Value getReceivedEvents();
+  void updateReceivedEvents(const Value& events);
+  void saveEvent(const std::optional<std::string>& name,
+                 const std::shared_ptr<const ZVPushPayload>& payload);
+  Value getEventDictWithName(const std::string& name,
+                             const std::shared_ptr<const ZVPushPayload>& payload);
+  boost::json::object statsEventAttributesFromPayload(
+      const std::shared_ptr<const ZVPushPayload>& payload);
+  void resetEventsData();
+
+ private:
+  ZVExtensionDataManager() = default;
+
+  mutable std::mutex mutex_;
+  Value currentAppID_;
+};
+
+}  // namespace zv
