@@ -29,14 +29,17 @@ Platform& Platform::shared() {
 }
 
 void Platform::reset() {
+  // The URL session is released outside the lock: its destructor joins its delegate thread, which
+  // may be waiting for this lock.
+  std::shared_ptr<UrlSession> session;
   std::lock_guard lock(mutex_);
+  session.swap(urlSession_);
   version_ = 17.0;
   clock_ = std::make_shared<SystemClock>();
   bundleIdentifier_ = "com.zentrova.extension";
   storeDirectory_ = defaultStoreDirectory();
   temporaryDirectory_ = defaultTemporaryDirectory();
   extraCaFile_.clear();
-  urlSession_.reset();
   notificationCenter_.reset();
   textMeasurer_.reset();
 }

@@ -1,0 +1,88 @@
+// zv::CurlTransfer is the libcurl side of one running task: the easy handle with its options, the
+// body being collected (in memory for a data task, in a temporary file for a download), the
+// response header fields, and the bookkeeping for the idle time-out and the size limit. It lives
+// on the session's delegate thread only, from the moment the task starts until its completion
+// has returned.
+#pragma once
+
+#include <curl/curl.h>
+
+#include <chrono>
+#include <cstdint>
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "platform/foundation/Error.h"
+#include "platform/net/HttpUrlResponse.h"
+#include "platform/net/UrlSessionConfiguration.h"
+#include "platform/net/UrlSessionTask.h"
+
+namespace zv {
+
+class CurlTransfer {
+ public:
+  using Clock = std::chrono::steady_clock;
+
+  // Prepares the transfer of a task. When that fails (no URL, no temporary file), setupError()
+  // says why and the transfer must be finished with it instead of being run.
+  static std::unique_ptr<CurlTransfer> create(std::shared_ptr<UrlSessionTask> task,
+                                              const UrlSessionConfiguration& configuration);
+  const std::optional<Error>& setupError() const { return setupError_; }
+  ~CurlTransfer();
+  CurlTransfer(const CurlTransfer&) = delete;
+  CurlTransfer& operator=(const CurlTransfer&) = delete;
+
+  CURL* handle() const { return easy_; }
+  // When the transfer times out unless data moves before; nullopt without a time-out.
+  std::optional<Clock::time_point> idleDeadline() const;
+  // The time-out error for a transfer whose idle deadline has passed.
+  Error timeoutError() const;
+
+  // Runs the task's completion with the outcome of the transfer (curl's result code), then
+  // removes the downloaded file if the completion left it in place.
+  void finish(CURLcode code);
+  // Runs the task's completion with an error and no body.
+  void finishWithError(const Error& error);
+
+ private:
+  CurlTransfer(std::shared_ptr<UrlSessionTask> task, double timeoutSeconds);
+  bool configure(Error* error);
+  bool openDownloadFile(Error* error);
+  std::shared_ptr<HttpUrlResponse> response() const;
+  Error errorFor(CURLcode code) const;
+  void deliver(std::optional<std::string> body, std::optional<Url> location,
+               std::shared_ptr<HttpUrlResponse> response, std::optional<Error> error);
+  void removeDownloadFile();
+
+  static size_t onWrite(char* data, size_t size, size_t count, void* self);
+  static size_t onHeader(char* data, size_t size, size_t count, void* self);
+  static int onProgress(void* self, curl_off_t, curl_off_t dlnow, curl_off_t, curl_off_t ulnow);
+  static CURLcode onSslContext(CURL*, void* sslContext, void* self);
+
+  std::shared_ptr<UrlSessionTask> task_;
+  std::optional<Error> setupError_;
+  CURL* easy_ = nullptr;
+  curl_slist* headerList_ = nullptr;
+  std::string requestBody_;
+  std::string extraCaFile_;
+  char errorBuffer_[CURL_ERROR_SIZE] = {};
+
+  std::string body_;
+  std::FILE* file_ = nullptr;
+  std::filesystem::path filePath_;
+  std::uint64_t received_ = 0;
+  bool sizeExceeded_ = false;
+  bool writeFailed_ = false;
+  HttpUrlResponse::Headers headers_;
+
+  double timeoutSeconds_;
+  Clock::time_point started_;
+  Clock::time_point lastActivity_;
+  curl_off_t lastDownloaded_ = 0;
+  curl_off_t lastUploaded_ = 0;
+};
+
+}  // namespace zv

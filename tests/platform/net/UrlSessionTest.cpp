@@ -1,0 +1,270 @@
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <future>
+#include <stdexcept>
+#include <thread>
+
+#include "platform/foundation/Platform.h"
+#include "platform/net/UrlSession.h"
+#include "support/LocalServer.h"
+#include "support/TestCertificates.h"
+#include "support/TestSupport.h"
+
+namespace {
+
+using zv::Platform;
+using zv::Url;
+using zv::UrlRequest;
+using zv::UrlSession;
+using zvtest::LocalServer;
+
+namespace fs = std::filesystem;
+
+struct Outcome {
+  std::optional<std::string> body;  // a data task's body, or the downloaded file's content
+  std::optional<Url> location;
+  std::shared_ptr<zv::HttpUrlResponse> response;
+  std::optional<zv::Error> error;
+  long code() const { return error ? error->code : 0; }
+};
+
+Outcome await(std::future<Outcome> f) {
+  if (f.wait_for(std::chrono::seconds(20)) != std::future_status::ready) {
+    ADD_FAILURE() << "completion never ran";
+    return {};
+  }
+  return f.get();
+}
+
+Outcome fetch(UrlSession& session, UrlRequest request) {
+  auto done = std::make_shared<std::promise<Outcome>>();
+  session
+      .dataTaskWithRequest(
+          std::move(request),
+          [done](auto body, auto response, auto error) {
+            done->set_value({std::move(body), std::nullopt, std::move(response), std::move(error)});
+          })
+      ->resume();
+  return await(done->get_future());
+}
+
+Outcome download(UrlSession& session, const std::string& url,
+                 std::optional<std::uint64_t> max = std::nullopt) {
+  auto done = std::make_shared<std::promise<Outcome>>();
+  session
+      .downloadTaskWithURL(
+          *Url::parse(url),
+          [done](auto location, auto response, auto error) {
+            Outcome o{std::nullopt, location, std::move(response), std::move(error)};
+            if (location && fs::exists(location->filePath()))
+              o.body = zvtest::readFile(location->filePath());
+            done->set_value(std::move(o));
+          },
+          max)
+      ->resume();
+  Outcome o = await(done->get_future());
+  // The file is removed once the completion has returned: a later completion of the same session
+  // runs only after that.
+  fetch(session, UrlRequest());
+  return o;
+}
+
+class UrlSessionTest : public ::testing::TestWithParam<LocalServer::Scheme> {
+ protected:
+  void SetUp() override {
+    Platform::shared().setTemporaryDirectory(tmp.path());
+    Platform::shared().setExtraCaFile(zvtest::testTlsFiles().caCert.string());
+  }
+  void TearDown() override { Platform::shared().reset(); }
+  bool tmpEmpty() const { return fs::is_empty(tmp.path()); }
+
+  zvtest::TempDir tmp;
+  LocalServer server{GetParam()};
+  std::shared_ptr<UrlSession> session = UrlSession::sessionWithConfiguration({});
+};
+
+TEST_P(UrlSessionTest, DataTaskOutcomes) {
+  struct Case {
+    std::string path;
+    long status;
+    std::optional<std::string> body;
+    long error;
+  } cases[] = {
+      {"/status/200", 200, "status 200", 0},
+      {"/status/404", 404, "status 404", 0},
+      {"/status/500", 500, "status 500", 0},
+      {"/redirect/3", 200, "redirected", 0},
+      {"/bytes/1000000", 200, LocalServer::patternBytes(1000000), 0},
+      {"/cut/100000", 200, std::nullopt, 18},  // the connection dropped in the middle of the body
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.path);
+    Outcome o = fetch(*session, UrlRequest(Url::parse(server.url(c.path))));
+    EXPECT_EQ(o.code(), c.error);
+    EXPECT_EQ(o.body, c.body);
+    ASSERT_TRUE(o.response);
+    EXPECT_EQ(o.response->statusCode(), c.status);
+  }
+  Outcome redirected = fetch(*session, UrlRequest(Url::parse(server.url("/redirect/2"))));
+  EXPECT_EQ(redirected.response->url()->absoluteString(), server.url("/redirect/0"));
+}
+
+TEST_P(UrlSessionTest, PostSendsMethodHeadersAndBodyAsGiven) {
+  UrlRequest request(Url::parse(server.url("/v2/report/add/K1")));
+  request.setHTTPMethod("POST");
+  request.setValue("K1", "X-ZENTROVA-APP-KEY");
+  request.setValue("application/json", "content-type");
+  std::string body = "{\"viewsCount\":1,\"pad\":\"" + std::string(5000, 'x') + "\"}";
+  request.setHTTPBody(body);
+  Outcome o = fetch(*session, request);
+  EXPECT_EQ(o.response->statusCode(), 200);
+
+  auto seen = server.requests().at(0);
+  EXPECT_EQ(seen.method, "POST");
+  EXPECT_EQ(seen.body, body);
+  EXPECT_EQ(seen.header("X-ZENTROVA-APP-KEY"), "K1");
+  EXPECT_EQ(seen.headers.find("content-type")->first, "content-type");  // sent in lower case
+  EXPECT_EQ(seen.header("content-type"), "application/json");
+  EXPECT_EQ(seen.headers.count("Expect"), 0u);
+}
+
+TEST_P(UrlSessionTest, DownloadFileExistsOnlyDuringTheCompletion) {
+  Outcome o = download(*session, server.url("/bytes/300000"));
+  ASSERT_TRUE(o.location);
+  EXPECT_EQ(o.location->filePath().parent_path(), tmp.path());
+  EXPECT_EQ(o.body, LocalServer::patternBytes(300000));
+  EXPECT_FALSE(fs::exists(o.location->filePath()));
+  EXPECT_TRUE(tmpEmpty());
+}
+
+TEST_P(UrlSessionTest, DownloadBeyondTheMaximumSizeStops) {
+  struct Case {
+    std::string path;
+    std::uint64_t max;
+    long error;
+  } cases[] = {{"/bytes/5000", 1000, 63},
+               {"/chunked/5000", 1000, 63},
+               {"/bytes/5000", 5000, 0},
+               {"/chunked/5000", 4999, 63}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.path + " " + std::to_string(c.max));
+    Outcome o = download(*session, server.url(c.path), c.max);
+    EXPECT_EQ(o.code(), c.error);
+    EXPECT_EQ(o.location.has_value(), c.error == 0);
+    EXPECT_TRUE(tmpEmpty());
+  }
+}
+
+TEST_P(UrlSessionTest, ConnectionsAreReused) {
+  fetch(*session, UrlRequest(Url::parse(server.url("/status/200"))));
+  fetch(*session, UrlRequest(Url::parse(server.url("/status/204"))));
+  auto seen = server.requests();
+  ASSERT_EQ(seen.size(), 2u);
+  EXPECT_EQ(seen[0].remotePort, seen[1].remotePort);
+}
+
+TEST_P(UrlSessionTest, IdleRequestTimesOutAfterTheSessionTimeout) {
+  auto quick = UrlSession::sessionWithConfiguration({.timeoutIntervalForRequest = 0.2});
+  Outcome o = fetch(*quick, UrlRequest(Url::parse(server.url("/slow/5000"))));
+  EXPECT_EQ(o.code(), 28);
+  EXPECT_FALSE(o.body);
+}
+
+INSTANTIATE_TEST_SUITE_P(HttpAndHttps, UrlSessionTest,
+                         ::testing::Values(LocalServer::Scheme::kHttp,
+                                           LocalServer::Scheme::kHttps));
+
+class UrlSessionFailureTest : public ::testing::Test {
+ protected:
+  void TearDown() override { Platform::shared().reset(); }
+  LocalServer server;
+  std::shared_ptr<UrlSession> session = UrlSession::sessionWithConfiguration({});
+};
+
+TEST_F(UrlSessionFailureTest, TransportErrorsCarryCurlCodes) {
+  LocalServer https(LocalServer::Scheme::kHttps);
+  std::string refused = "http://127.0.0.1:" + std::to_string(LocalServer::closedPort()) + "/";
+  struct Case {
+    std::optional<std::string> url;
+    std::string extraCa;
+    long error;
+  } cases[] = {
+      {refused, "", 7},                                   // connection refused
+      {"ftp://127.0.0.1/file", "", 1},                    // not a web URL
+      {"file:///etc/hostname", "", 1},                    // nor is a local file
+      {std::nullopt, "", 3},                              // no URL at all
+      {https.url("/status/200"), "", 60},                 // certificate not trusted
+      {https.url("/status/200"), "/no/such/ca.pem", 77},  // extra CA file missing
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.url.value_or("(no URL)"));
+    Platform::shared().setExtraCaFile(c.extraCa);
+    auto fresh = UrlSession::sessionWithConfiguration({});  // no TLS session left from before
+    Outcome o = fetch(*fresh, UrlRequest(c.url ? Url::parse(*c.url) : std::nullopt));
+    EXPECT_EQ(o.code(), c.error);
+    EXPECT_EQ(o.error->domain, zv::Error::kUrlDomain);
+    EXPECT_FALSE(o.error->localizedDescription.empty());
+    EXPECT_FALSE(o.body);
+  }
+}
+
+TEST_F(UrlSessionFailureTest, CompletionsRunOneAtATimeOnOneThread) {
+  constexpr int kTasks = 8;
+  std::atomic<bool> inside{false};
+  std::atomic<bool> overlapped{false};
+  std::vector<std::thread::id> threads;  // touched only by completions: no lock, by design
+  auto done = std::make_shared<std::promise<void>>();
+  for (int i = 0; i < kTasks; ++i) {
+    std::string path = i % 2 ? "/slow/" + std::to_string(i * 5) : "/bytes/" + std::to_string(i);
+    session
+        ->dataTaskWithRequest(UrlRequest(Url::parse(server.url(path))),
+                              [&, done](auto...) {
+                                if (inside.exchange(true)) overlapped = true;
+                                std::this_thread::sleep_for(std::chrono::milliseconds(2));
+                                EXPECT_TRUE(session->isDelegateThread());
+                                threads.push_back(std::this_thread::get_id());
+                                inside = false;
+                                if (threads.size() == kTasks) done->set_value();
+                              })
+        ->resume();
+  }
+  ASSERT_EQ(done->get_future().wait_for(std::chrono::seconds(20)), std::future_status::ready);
+  EXPECT_FALSE(overlapped);
+  EXPECT_NE(threads[0], std::this_thread::get_id());
+  EXPECT_EQ(std::count(threads.begin(), threads.end(), threads[0]), kTasks);
+}
+
+TEST_F(UrlSessionFailureTest, ThrowingCompletionIsContainedAndLaterTasksRun) {
+  zvtest::LogCapture log;
+  session
+      ->dataTaskWithRequest(UrlRequest(Url::parse(server.url("/status/200"))),
+                            [](auto...) { throw std::runtime_error("boom"); })
+      ->resume();
+  Outcome o = fetch(*session, UrlRequest(Url::parse(server.url("/status/201"))));
+  EXPECT_EQ(o.response->statusCode(), 201);
+  EXPECT_EQ(log.system(),
+            std::vector<std::string>{"Uncaught exception in a URL session completion: boom"});
+}
+
+TEST_F(UrlSessionFailureTest, DestroyedSessionDropsRunningTasks) {
+  std::atomic<bool> called{false};
+  session
+      ->dataTaskWithRequest(UrlRequest(Url::parse(server.url("/slow/10000"))),
+                            [&](auto...) { called = true; })
+      ->resume();
+  std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  session.reset();
+  EXPECT_FALSE(called);
+}
+
+TEST(PlatformUrlSession, CreatedOnceReloadingIgnoringLocalData) {
+  auto first = Platform::shared().urlSession();
+  EXPECT_EQ(first, Platform::shared().urlSession());
+  EXPECT_EQ(first->configuration().requestCachePolicy, UrlRequest::kReloadIgnoringLocalCacheData);
+  Platform::shared().reset();
+  EXPECT_NE(first, Platform::shared().urlSession());
+  Platform::shared().reset();
+}
+
+}  // namespace

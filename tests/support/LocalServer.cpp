@@ -1,0 +1,189 @@
+#include "support/LocalServer.h"
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <stdexcept>
+
+#include "support/TestCertificates.h"
+
+namespace zvtest {
+
+namespace {
+constexpr std::size_t kChunk = 64 * 1024;
+constexpr std::size_t kWorkers = 32;
+}  // namespace
+
+std::string LocalServer::Request::header(const std::string& name) const {
+  auto it = headers.find(name);
+  return it == headers.end() ? std::string() : it->second;
+}
+
+LocalServer::LocalServer(Scheme scheme) : scheme_(scheme) {
+  if (scheme == Scheme::kHttps) {
+    const TlsFiles& tls = testTlsFiles();
+    server_ = std::make_unique<httplib::SSLServer>(tls.serverCert.c_str(), tls.serverKey.c_str());
+  } else {
+    server_ = std::make_unique<httplib::Server>();
+  }
+  if (!server_->is_valid()) throw std::runtime_error("test server: invalid TLS setup");
+  // Each open connection holds a worker thread while it is kept alive, and stopping the server
+  // waits for idle connections to time out: enough workers for many parallel clients, and a short
+  // keep-alive so that a test ends quickly even when its client still holds a connection.
+  server_->new_task_queue = [] { return new httplib::ThreadPool(kWorkers); };
+  server_->set_keep_alive_timeout(1);
+  installRoutes();
+  port_ = server_->bind_to_any_port("127.0.0.1");
+  if (port_ <= 0) throw std::runtime_error("test server: cannot bind");
+  thread_ = std::thread([this] { server_->listen_after_bind(); });
+  while (!server_->is_running()) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+}
+
+LocalServer::~LocalServer() {
+  {
+    std::lock_guard lock(mutex_);
+    stopping_ = true;
+  }
+  stopped_.notify_all();
+  server_->stop();
+  thread_.join();
+}
+
+std::string LocalServer::url(std::string_view path) const {
+  return (scheme_ == Scheme::kHttps ? "https://127.0.0.1:" : "http://127.0.0.1:") +
+         std::to_string(port_) + std::string(path);
+}
+
+void LocalServer::addFile(const std::string& path, std::string body, std::string contentType) {
+  std::lock_guard lock(mutex_);
+  files_[path] = {std::move(body), std::move(contentType)};
+}
+
+void LocalServer::setPostStatus(int status) {
+  std::lock_guard lock(mutex_);
+  postStatus_ = status;
+}
+
+void LocalServer::setLatency(std::chrono::milliseconds latency) {
+  std::lock_guard lock(mutex_);
+  latency_ = latency;
+}
+
+std::vector<LocalServer::Request> LocalServer::requests() const {
+  std::lock_guard lock(mutex_);
+  return requests_;
+}
+
+std::string LocalServer::patternBytes(std::size_t n) {
+  std::string s(n, '\0');
+  for (std::size_t i = 0; i < n; ++i) s[i] = static_cast<char>('a' + i % 26);
+  return s;
+}
+
+int LocalServer::closedPort() {
+  int fd = ::socket(AF_INET, SOCK_STREAM, 0);
+  sockaddr_in addr{};
+  addr.sin_family = AF_INET;
+  addr.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  socklen_t len = sizeof addr;
+  ::bind(fd, reinterpret_cast<sockaddr*>(&addr), sizeof addr);
+  ::getsockname(fd, reinterpret_cast<sockaddr*>(&addr), &len);
+  ::close(fd);
+  return ntohs(addr.sin_port);
+}
+
+void LocalServer::record(const httplib::Request& req) {
+  std::lock_guard lock(mutex_);
+  requests_.push_back({req.method, req.path, req.body, req.headers, req.remote_port});
+}
+
+bool LocalServer::pause(std::chrono::milliseconds duration) {
+  std::unique_lock lock(mutex_);
+  return !stopped_.wait_for(lock, duration, [this] { return stopping_; });
+}
+
+void LocalServer::installRoutes() {
+  using httplib::DataSink;
+  using httplib::Request;
+  using httplib::Response;
+  server_->set_pre_routing_handler([this](const Request&, Response&) {
+    std::chrono::milliseconds latency;
+    {
+      std::lock_guard lock(mutex_);
+      latency = latency_;
+    }
+    if (latency.count() > 0) pause(latency);
+    return httplib::Server::HandlerResponse::Unhandled;
+  });
+  server_->Get(R"(/status/(\d+))", [this](const Request& req, Response& res) {
+    record(req);
+    res.status = std::stoi(req.matches[1]);
+    res.set_content("status " + std::string(req.matches[1]), "text/plain");
+  });
+  server_->Get(R"(/slow/(\d+))", [this](const Request& req, Response& res) {
+    record(req);
+    pause(std::chrono::milliseconds(std::stol(req.matches[1])));
+    res.set_content("slow", "text/plain");
+  });
+  auto bytes = [this](bool chunked, bool cut) {
+    return [this, chunked, cut](const Request& req, Response& res) {
+      record(req);
+      std::size_t n = std::stoul(req.matches[1]);
+      std::size_t sent = cut ? n / 2 : n;
+      auto provider = [sent](std::size_t offset, DataSink& sink) {
+        if (offset >= sent) return false;  // ends the connection before the promised length
+        std::size_t len = std::min(kChunk, sent - offset);
+        std::string piece(len, '\0');
+        for (std::size_t i = 0; i < len; ++i) piece[i] = static_cast<char>('a' + (offset + i) % 26);
+        return sink.write(piece.data(), piece.size());
+      };
+      if (chunked) {
+        res.set_chunked_content_provider("application/octet-stream",
+                                         [provider, n](std::size_t offset, DataSink& sink) {
+                                           if (offset >= n) {
+                                             sink.done();
+                                             return true;
+                                           }
+                                           return provider(offset, sink);
+                                         });
+      } else {
+        res.set_content_provider(n, "application/octet-stream",
+                                 [provider](std::size_t offset, std::size_t, DataSink& sink) {
+                                   return provider(offset, sink);
+                                 });
+      }
+    };
+  };
+  server_->Get(R"(/bytes/(\d+))", bytes(false, false));
+  server_->Get(R"(/chunked/(\d+))", bytes(true, false));
+  server_->Get(R"(/cut/(\d+))", bytes(false, true));
+  server_->Get(R"(/redirect/(\d+))", [this](const Request& req, Response& res) {
+    record(req);
+    int k = std::stoi(req.matches[1]);
+    if (k == 0) {
+      res.set_content("redirected", "text/plain");
+    } else {
+      res.set_redirect("/redirect/" + std::to_string(k - 1));
+    }
+  });
+  server_->Get(R"(/.*)", [this](const Request& req, Response& res) {
+    record(req);
+    std::lock_guard lock(mutex_);
+    auto it = files_.find(req.path);
+    if (it == files_.end()) {
+      res.status = 404;
+      return;
+    }
+    res.set_content(it->second.first, it->second.second.c_str());
+  });
+  server_->Post(R"(/.*)", [this](const Request& req, Response& res) {
+    record(req);
+    std::lock_guard lock(mutex_);
+    res.status = postStatus_;
+    res.set_content("ok", "text/plain");
+  });
+}
+
+}  // namespace zvtest
