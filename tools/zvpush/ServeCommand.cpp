@@ -1,0 +1,227 @@
+// zvpush serve: a local media server and reports endpoint for trying payloads. GET serves the
+// files under --root (never anything outside it, symbolic links included); POST to any path (the
+// reports path is /v2/report/add/<app key>) answers 200 and appends {"appKey", "path", "body"} as
+// one JSON line to --reports FILE or to stdout. The first line printed is "listening on URL".
+// SIGINT and SIGTERM stop the server; the exit code is then 0.
+#include <httplib.h>
+#include <pthread.h>
+#include <signal.h>
+
+#include <algorithm>
+#include <atomic>
+#include <boost/json/parse.hpp>
+#include <boost/json/serialize.hpp>
+#include <cctype>
+#include <condition_variable>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <thread>
+
+#include "ArgParser.h"
+#include "Command.h"
+#include "platform/foundation/Url.h"
+
+namespace zvpush {
+
+namespace {
+
+namespace fs = std::filesystem;
+namespace json = boost::json;
+
+// Enough workers for a notification's parallel downloads over kept-alive connections.
+constexpr std::size_t kWorkers = 32;
+constexpr std::size_t kChunk = 64 * 1024;
+
+std::string contentTypeFor(const fs::path& file) {
+  static const std::map<std::string, std::string> types = {
+      {".png", "image/png"},  {".jpg", "image/jpeg"},      {".jpeg", "image/jpeg"},
+      {".gif", "image/gif"},  {".webp", "image/webp"},     {".svg", "image/svg+xml"},
+      {".mp3", "audio/mpeg"}, {".m4a", "audio/mp4"},       {".wav", "audio/wav"},
+      {".mp4", "video/mp4"},  {".mov", "video/quicktime"}, {".json", "application/json"},
+      {".txt", "text/plain"}, {".html", "text/html"},      {".css", "text/css"},
+  };
+  std::string ext = file.extension().string();
+  std::transform(ext.begin(), ext.end(), ext.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  auto it = types.find(ext);
+  return it == types.end() ? "application/octet-stream" : it->second;
+}
+
+// The regular file that a (decoded) request path names under root, or nullopt when there is none
+// or when the path, after resolving ".." and symbolic links, leads outside root.
+std::optional<fs::path> resolve(const fs::path& root, const std::string& requestPath) {
+  std::error_code ec;
+  fs::path full = fs::weakly_canonical(root / fs::path(requestPath).relative_path(), ec);
+  if (ec) return std::nullopt;
+  auto [r, f] = std::mismatch(root.begin(), root.end(), full.begin(), full.end());
+  if (r != root.end() || !fs::is_regular_file(full, ec)) return std::nullopt;
+  return full;
+}
+
+// One line of the reports log: the body as parsed JSON, or as text when it is not JSON.
+std::string reportLine(const httplib::Request& req) {
+  json::object line;
+  line["appKey"] = req.has_header("X-ZENTROVA-APP-KEY")
+                       ? json::value(req.get_header_value("X-ZENTROVA-APP-KEY"))
+                       : json::value(nullptr);
+  line["path"] = req.path;
+  std::error_code ec;
+  json::value body = json::parse(req.body, ec);
+  if (ec) body = zv::isValidUtf8(req.body) ? json::value(req.body) : json::value(nullptr);
+  line["body"] = std::move(body);
+  return json::serialize(line) + "\n";
+}
+
+class Server {
+ public:
+  Server(fs::path root, std::ostream& reports, std::chrono::milliseconds latency)
+      : root_(std::move(root)), reports_(reports), latency_(latency) {}
+
+  void install(httplib::Server& http) {
+    http.new_task_queue = [] { return new httplib::ThreadPool(kWorkers); };
+    http.set_keep_alive_timeout(2);
+    http.set_pre_routing_handler([this](const httplib::Request&, httplib::Response&) {
+      if (latency_.count() > 0) {
+        std::unique_lock lock(mutex_);
+        stopCondition_.wait_for(lock, latency_, [this] { return stopping_; });
+      }
+      return httplib::Server::HandlerResponse::Unhandled;
+    });
+    http.Get(R"(/.*)",
+             [this](const httplib::Request& req, httplib::Response& res) { serveFile(req, res); });
+    http.Post(R"(/.*)", [this](const httplib::Request& req, httplib::Response& res) {
+      {
+        std::lock_guard lock(mutex_);
+        reports_ << reportLine(req) << std::flush;
+      }
+      res.set_content("{\"status\":\"ok\"}", "application/json");
+    });
+  }
+
+  void stop() {
+    std::lock_guard lock(mutex_);
+    stopping_ = true;
+    stopCondition_.notify_all();
+  }
+
+ private:
+  void serveFile(const httplib::Request& req, httplib::Response& res) {
+    std::optional<fs::path> file = resolve(root_, req.path);
+    if (!file) {
+      res.status = 404;
+      res.set_content("not found\n", "text/plain");
+      return;
+    }
+    std::error_code ec;
+    std::size_t size = fs::file_size(*file, ec);
+    auto in = std::make_shared<std::ifstream>(*file, std::ios::binary);
+    if (ec || !*in) {
+      res.status = 403;
+      res.set_content("cannot read\n", "text/plain");
+      return;
+    }
+    res.set_content_provider(size, contentTypeFor(*file),
+                             [in](std::size_t offset, std::size_t length, httplib::DataSink& sink) {
+                               std::string buffer(std::min(length, kChunk), '\0');
+                               in->seekg(static_cast<std::streamoff>(offset));
+                               in->read(buffer.data(), static_cast<std::streamsize>(buffer.size()));
+                               std::streamsize got = in->gcount();
+                               return got > 0 &&
+                                      sink.write(buffer.data(), static_cast<std::size_t>(got));
+                             });
+  }
+
+  fs::path root_;
+  std::ostream& reports_;
+  std::chrono::milliseconds latency_;
+  std::mutex mutex_;
+  std::condition_variable stopCondition_;
+  bool stopping_ = false;
+};
+
+int run(const Args& args) {
+  ArgParser parser({"--root", "--port", "--tls-cert", "--tls-key", "--latency", "--reports"}, {});
+  parser.parse(args);
+  if (!parser.positional().empty())
+    throw UsageError("unexpected argument " + parser.positional()[0]);
+  auto rootArg = parser.value("--root");
+  if (!rootArg) throw UsageError("--root is required");
+  std::error_code ec;
+  fs::path root = fs::canonical(*rootArg, ec);
+  if (ec || !fs::is_directory(root)) throw UsageError(*rootArg + " is not a directory");
+  double port = parser.number("--port").value_or(0);
+  if (port < 0 || port > 65535 || port != static_cast<int>(port)) {
+    throw UsageError("--port needs a whole number from 0 to 65535");
+  }
+  double latency = parser.number("--latency").value_or(0);
+  if (latency < 0) throw UsageError("--latency needs a number of milliseconds, 0 or more");
+  auto cert = parser.value("--tls-cert");
+  auto key = parser.value("--tls-key");
+  if (cert.has_value() != key.has_value()) {
+    throw UsageError("--tls-cert and --tls-key go together");
+  }
+
+  std::ofstream reportsFile;
+  if (auto path = parser.value("--reports")) {
+    reportsFile.open(*path, std::ios::app);
+    if (!reportsFile) throw UsageError("cannot write " + *path);
+  }
+  std::ostream& reports = reportsFile.is_open() ? reportsFile : std::cout;
+
+  std::unique_ptr<httplib::Server> http;
+  if (cert) {
+    http = std::make_unique<httplib::SSLServer>(cert->c_str(), key->c_str());
+    if (!http->is_valid()) throw UsageError("cannot load the TLS certificate or key");
+  } else {
+    http = std::make_unique<httplib::Server>();
+  }
+  Server server(root, reports, std::chrono::milliseconds(static_cast<long>(latency)));
+  server.install(*http);
+
+  // SIGINT and SIGTERM are taken by one waiting thread (every other thread blocks them), which
+  // stops the server; writing to a client that went away must not end the process either.
+  sigset_t stopSignals;
+  sigemptyset(&stopSignals);
+  sigaddset(&stopSignals, SIGINT);
+  sigaddset(&stopSignals, SIGTERM);
+  pthread_sigmask(SIG_BLOCK, &stopSignals, nullptr);
+  std::signal(SIGPIPE, SIG_IGN);
+
+  int bound =
+      port > 0
+          ? (http->bind_to_port("127.0.0.1", static_cast<int>(port)) ? static_cast<int>(port) : -1)
+          : http->bind_to_any_port("127.0.0.1");
+  if (bound <= 0) {
+    std::fprintf(stderr, "zvpush: cannot listen on 127.0.0.1:%d\n", static_cast<int>(port));
+    return kFailure;
+  }
+  std::cout << "listening on " << (cert ? "https" : "http") << "://127.0.0.1:" << bound
+            << std::endl;
+
+  std::atomic<bool> signalled{false};
+  std::thread waiter([&] {
+    int signal = 0;
+    sigwait(&stopSignals, &signal);
+    signalled = true;
+    server.stop();
+    http->stop();
+  });
+  http->listen_after_bind();
+  if (!signalled) pthread_kill(waiter.native_handle(), SIGTERM);
+  waiter.join();
+  return kOk;
+}
+
+}  // namespace
+
+ZVPUSH_COMMAND("serve", "a local media server and reports endpoint for trying payloads",
+               "serve --root DIR [--port N] [--tls-cert PEM --tls-key PEM] [--latency MS] "
+               "[--reports FILE]",
+               run);
+
+}  // namespace zvpush
