@@ -20,8 +20,9 @@ std::shared_ptr<ZVPushPayload> ZVPushPayload::initWithPushPayload(const Value& p
   // Rather than failing, the envelope keeps what it has and the notification is simply not
   // processed (no campaign id). A non-dictionary payload still goes through the rich-push guard
   // below, which reports it to the log sink.
-  if (payload.isObject())
+  if (payload.isObject()) {
     envelope->zentrovaDict = U::validObjectForKey(kPushPayloadKeyZentrova, payload);
+  }
   const Value& z = envelope->zentrovaDict;
   if (z.isObject()) {
     envelope->campaignID = U::validObjectForKey(kPushPayloadKeyCampaignID, z);

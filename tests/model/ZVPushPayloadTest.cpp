@@ -1,6 +1,11 @@
 #include <gtest/gtest.h>
 
+#include <limits>
+
+#include "model/ZVPushAction.h"
+#include "model/ZVPushCard.h"
 #include "model/ZVPushPayload.h"
+#include "model/ZVPushWidget.h"
 #include "model/ZVRichPush.h"
 #include "model/ZVRichPushMode.h"
 #include "support/TestSupport.h"
@@ -8,84 +13,115 @@
 namespace zv {
 namespace {
 
-// A valid rich push whose "expanded" entry is given as JSON text.
-std::string richPayload(const std::string& expanded, const std::string& extra = "") {
+// A payload with a valid rich push around the given "expanded" JSON (and extra rich-push keys).
+std::string rich(const std::string& expanded, const std::string& extra = "") {
   return R"({"zentrova":{"cid":"c1"},"zovFeatures":{"richPush":{"title":"T","body":"B",)"
          R"("displayName":"D",)" +
          extra + R"("expanded":)" + expanded + "}}}";
 }
+std::string card(const std::string& json) {
+  return rich(R"({"type":"imageCarousel","cards":[)" + json + "]}");
+}
 
 TEST(ZVPushPayloadTest, ProcessingAndRichPushOutcomes) {
   const std::string mandatory = "Mandatory params missing exception : %@";
+  const std::string wrong = "Rich Push Exception : expected ";
   struct Case {
     std::string json;
     bool process;
-    bool rich;
-    std::string log;  // the one message logged, or "" for none
+    // The one message logged, or "" for none. A rich push is built exactly when nothing is logged
+    // and the payload has a rich-push title at all.
+    std::string log;
   } cases[] = {
-      {R"({"aps":{}})", false, false, ""},
-      {R"({"zentrova":null})", false, false, ""},
-      {R"({"zentrova":{"cid":null}})", false, false, ""},
-      {R"({"zentrova":{"cid":""}})", true, false, ""},
-      {R"({"zentrova":{"cid":[1]}})", true, false, ""},
-      {R"({"zentrova":"c1"})", false, false, ""},
-      {R"({"zentrova":{"cid":"c","zovFeatures":{"richPush":{}}}})", true, false, ""},
-      {R"({"zentrova":{"cid":"c"},"zovFeatures":"x"})", true, false,
-       "Rich Push Exception : expected a dictionary but found string"},
-      {R"({"zovFeatures":{"richPush":null}})", false, false, ""},
-      {R"({"zovFeatures":{"richPush":7}})", false, false,
-       "Rich Push Exception : expected a dictionary but found number"},
-      {R"({"zentrova":{"cid":"c"},"zovFeatures":{"richPush":{"body":"B","displayName":"D",
-         "expanded":{"type":"stylizedBasic"}}}})",
-       true, false, mandatory},
-      {richPayload(R"({"type":"stylizedBasic"})"), true, true, ""},
-      {richPayload("null"), true, false, mandatory},
-      {richPayload(R"({"type":"prodGrid"})"), true, false, mandatory},
-      {richPayload(R"({"type":"stylizedBasic","cards":"abc"})"), true, false,
-       "Rich Push Exception : expected an array but found string"},
-      {richPayload(R"({"type":"imageCarousel","cards":[3]})"), true, false,
-       "Rich Push Exception : expected a dictionary but found number"},
-      {richPayload(R"({"type":"imageCarousel","cards":[{"id":[1]}]})"), true, false,
-       "Rich Push Exception : expected a number or a string but found array"},
-      {richPayload(R"({"type":"imageCarousel","cards":[{"id":1,"widgets":[{"id":1,
-         "type":"video","content":"u"}]}]})"),
-       true, false, mandatory},
-      {richPayload(R"({"type":"stylizedBasic","style":[]})"), true, false,
-       "Rich Push Exception : expected a dictionary but found array"},
-      {richPayload(R"({"type":"stylizedBasic","autoStart":{}})"), true, false,
-       "Rich Push Exception : expected a number or a string but found dictionary"},
-      {richPayload(R"({"type":"stylizedBasic"})", R"("ios":"x",)"), true, false,
-       "Rich Push Exception : expected a dictionary but found string"},
-      {richPayload(R"({"type":"stylizedBasic"})", R"("defaultActions":[[]],)"), true, false,
-       "Rich Push Exception : expected a dictionary but found array"},
+      {R"({"zentrova":null,"zovFeatures":{}})", false, ""},
+      {R"({"zentrova":{"cid":null}})", false, ""},
+      {R"({"zentrova":{"cid":""}})", true, ""},
+      {R"({"zentrova":{"cid":[1]}})", true, ""},
+      {R"({"zentrova":"c1"})", false, ""},
+      {R"({"zentrova":{"cid":"c","zovFeatures":{"richPush":{}}}})", true, ""},
+      {R"("text")", false, wrong + "a dictionary but found string"},
+      {R"({"zentrova":{"cid":"c"},"zovFeatures":"x"})", true,
+       wrong + "a dictionary but found string"},
+      {R"({"zovFeatures":{"richPush":{"body":"B","displayName":"D","expanded":{}}}})", false,
+       mandatory},
+      {rich(R"({"type":"stylizedBasic"})"), true, ""},
+      {rich(R"({"type":"prodGrid"})"), true, mandatory},
+      {rich(R"({"type":"stylizedBasic","cards":"abc"})"), true,
+       wrong + "an array but found string"},
+      {rich(R"({"type":"stylizedBasic","style":[]})"), true,
+       wrong + "a dictionary but found array"},
+      {rich(R"({"type":"stylizedBasic"})", R"("defaultActions":[[]],)"), true,
+       wrong + "a dictionary but found array"},
+      {card("3"), true, wrong + "a dictionary but found number"},
+      {card(R"({"id":[1]})"), true, wrong + "a number or a string but found array"},
+      {card(R"({"widgets":[]})"), true, mandatory},
+      {card(R"({"id":1,"widgets":[{"id":1,"type":"video","content":"u"}]})"), true, mandatory},
+      {card(R"({"id":1,"widgets":[{"id":1,"type":"image","content":null}]})"), true, mandatory},
+      {card(R"({"id":1,"widgets":[{"type":"image","content":"u"}]})"), true, mandatory},
   };
   for (const auto& c : cases) {
     zvtest::LogCapture log;
     auto p = ZVPushPayload::initWithPushPayload(Value::parse(c.json));
     EXPECT_EQ(p->shouldProcessPushNotification(), c.process) << c.json;
-    EXPECT_EQ(p->richPush != nullptr, c.rich) << c.json;
-    EXPECT_EQ(log.sink(),
-              c.log.empty() ? std::vector<std::string>{} : std::vector<std::string>{c.log})
+    EXPECT_EQ(p->richPush == nullptr, !c.log.empty() || c.json.find("title") == std::string::npos)
+        << c.json;
+    EXPECT_EQ(log.sink(), c.log.empty() ? std::vector<std::string>{} : std::vector{c.log})
         << c.json;
   }
 }
 
-TEST(ZVPushPayloadTest, FieldsAreKeptAsFoundAndSurviveARichPushFailure) {
-  auto p = ZVPushPayload::initWithPushPayload(Value::parse(
-      R"({"zentrova":{"cid":12,"app_id":"a","media-attachment":"http://h/m.mp4","media-type":null},
-          "zovFeatures":{"richPush":{"title":"T"}}})"));
-  EXPECT_EQ(p->campaignID.integerValue(), 12);
-  EXPECT_EQ(p->zovAppId.string(), "a");
-  EXPECT_EQ(p->mediaAttachment.string(), "http://h/m.mp4");
-  EXPECT_TRUE(p->mediaType.isNil());
-  EXPECT_EQ(p->richPush, nullptr);
+TEST(ZVPushPayloadTest, SoundAndCategoryComeFromIosOnly) {
+  auto p = ZVPushPayload::initWithPushPayload(
+      Value::parse(rich(R"({"type":"imageCarousel","style":{"bgColor":"#FF0000"}})",
+                        R"("sound":"s","ios":{"category":"c"},)")));
+  auto rp = p->richPush;
+  EXPECT_TRUE(rp->subTitle.isNil() && rp->sound.isNil() && rp->collapsedMode == nullptr);
+  EXPECT_EQ(rp->category.string(), "c");
+  EXPECT_EQ(*rp->expandedMode->bgColor, (Color{1, 0, 0, 1}));
+  EXPECT_TRUE(rp->expandedMode->cards.empty() && rp->defaultActions.empty());
+}
 
-  auto bare = ZVPushPayload::initWithPushPayload(Value());
-  EXPECT_FALSE(bare->shouldProcessPushNotification());
-  zvtest::LogCapture log;
-  auto notDict = ZVPushPayload::initWithPushPayload(Value("text"));
-  EXPECT_FALSE(notDict->shouldProcessPushNotification());
-  EXPECT_EQ(log.sink().size(), 1u);
+// Ids and "autoStart" go through the platform's conversions; huge ids saturate.
+TEST(ZVPushPayloadTest, IdsAndAutoStartConvertAsThePlatformDoes) {
+  struct Case {
+    std::string json;
+    bool autoStart;
+    long long id;
+  } cases[] = {{R"("12abc")", true, 12},
+               {R"("0")", false, 0},
+               {"3.9", true, 3},
+               {"1e30", true, std::numeric_limits<long long>::max()},
+               {R"("t")", true, 0}};
+  for (const auto& c : cases) {
+    auto mode = ZVRichPushMode::initWithDictionary(Value::parse(
+        R"({"type":"stylizedBasic","autoStart":)" + c.json + R"(,"cards":[{"type":"x","id":)" +
+        c.json + R"(,"widgets":[{"type":"image","content":"","id":)" + c.json + "}]}]}"));
+    EXPECT_EQ(mode->autoStart, c.autoStart) << c.json;
+    EXPECT_EQ(mode->cards[0]->cardID, c.id) << c.json;
+    EXPECT_EQ(mode->cards[0]->widgets[0]->widgetId, c.id) << c.json;
+    EXPECT_EQ(mode->cards[0]->cardType, 3);
+  }
+}
+
+TEST(ZVPushPayloadTest, ActionsReadTheirTypeOnlyWhenNavigating) {
+  using N = ZVPushActionName;
+  using T = ZVPushNavigationType;
+  struct Case {
+    const char* json;
+    N name;
+    T type;
+  } cases[] = {
+      {R"({"name":"coupon","type":"deepLink","value":"SAVE"})", N::Coupon, T::RichLanding},
+      {R"({"name":"navigate","type":"deepLink"})", N::Navigate, T::DeepLink},
+      {R"({"name":"navigate","type":"screenName"})", N::Navigate, T::ScreenName},
+      {R"({"name":"navigate"})", N::Navigate, T::Other},
+      {R"({"name":"Navigate","type":"deepLink"})", N::Other, T::RichLanding},
+  };
+  for (const auto& c : cases) {
+    auto a = ZVPushAction::initWithDictionary(Value::parse(c.json));
+    EXPECT_EQ(a->actionName, c.name) << c.json;
+    EXPECT_EQ(a->actionType, c.type) << c.json;
+  }
 }
 
 }  // namespace

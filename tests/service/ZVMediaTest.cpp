@@ -9,9 +9,14 @@
 namespace zv {
 namespace {
 
-std::vector<std::shared_ptr<ZVMedia>> mediaOf(const std::string& json) {
+std::vector<std::string> fileNamesOf(const std::string& json) {
   auto payload = ZVPushPayload::initWithPushPayload(Value::parse(json));
-  return ZVRichNotificationHandler::sharedHandler().getMediaURLsFromPayload(payload);
+  std::vector<std::string> names;
+  for (const auto& m :
+       ZVRichNotificationHandler::sharedHandler().getMediaURLsFromPayload(payload)) {
+    names.push_back(m->getFileNameForMedia());
+  }
+  return names;
 }
 
 // A rich push with the given cards, and a top-level media URL beside it.
@@ -22,56 +27,49 @@ std::string withCards(const std::string& cards) {
          cards + "}}}}";
 }
 
-std::string image(int id, const std::string& url) {
-  return R"({"id":)" + std::to_string(id) + R"(,"type":"image","content":")" + url + R"("})";
+std::string image(const std::string& url) {
+  return R"({"id":1,"type":"image","content":")" + url + R"("})";
 }
 
 TEST(ZVMediaTest, CollectsCardImagesOnceOrElseTheTopLevelMedia) {
   struct Case {
     std::string json;
-    std::vector<std::string> fileNames;  // "<md5 of url>.<ext>" written as url + "." + ext
+    std::vector<std::string> media;  // each "URL|extension" of the file name "MD5(URL).extension"
   } cases[] = {
       {withCards("[]"), {}},
       {withCards(R"([{"id":1,"widgets":[{"id":1,"type":"text","content":"x"}]}])"), {}},
-      {withCards("[{\"id\":1,\"widgets\":[" + image(1, "http://h/a b.png") + "," +
-                 image(2, "http://h/b.GIF?x=1") + "]},{\"id\":2,\"widgets\":[" +
-                 image(3, "http://h/a%20b.png") + "," + image(4, "") + "]}]"),
-       {"http://h/a%20b.png.png", "http://h/b.GIF?x=1.GIF"}},
+      {withCards("[{\"id\":1,\"widgets\":[" + image("http://h/a b.png") + "," +
+                 image("http://h/b.GIF?x=1") + "]},{\"id\":2,\"widgets\":[" +
+                 image("http://h/a%20b.png") + "," + image("") + "]}]"),
+       {"http://h/a%20b.png|png", "http://h/b.GIF?x=1|GIF"}},
       {R"({"zentrova":{"cid":"c","media-attachment":"http://h/clip","media-type":"video"}})",
-       {"http://h/clip.mp4"}},
+       {"http://h/clip|mp4"}},
       {R"({"zentrova":{"cid":"c","media-attachment":"http://h/s?a=1","media-type":"audio"}})",
-       {"http://h/s?a=1.mp3"}},
+       {"http://h/s?a=1|mp3"}},
+      {R"({"zentrova":{"cid":"c","media-attachment":"http://h/p","media-type":"Video"}})",
+       {"http://h/p|png"}},
       {R"({"zentrova":{"cid":"c","media-attachment":""}})", {}},
       {R"({"zentrova":{"cid":"c","media-attachment":"http://h/100%"}})", {}},
   };
   for (const auto& c : cases) {
-    std::vector<std::string> names;
-    for (const auto& m : mediaOf(c.json)) names.push_back(m->getFileNameForMedia());
     std::vector<std::string> expected;
-    for (const auto& f : c.fileNames) {
-      auto dot = f.rfind('.');
-      expected.push_back(ZVRichNotifUtils::MD5hashForString(f.substr(0, dot)) + f.substr(dot));
+    for (const auto& m : c.media) {
+      auto bar = m.find('|');
+      expected.push_back(ZVRichNotifUtils::MD5hashForString(m.substr(0, bar)) + "." +
+                         m.substr(bar + 1));
     }
-    EXPECT_EQ(names, expected) << c.json;
+    EXPECT_EQ(fileNamesOf(c.json), expected) << c.json;
   }
 }
 
-TEST(ZVMediaTest, ItemsWithoutUrlAndValuesOfTheWrongKind) {
+TEST(ZVMediaTest, ItemsWithoutUrlAndUrlsOfTheWrongKind) {
   auto none = ZVMedia::initWithURL(Value(), Value("video"));
   EXPECT_FALSE(none->mediaURL || none->attachmentID || none->attachmentExtension);
   EXPECT_EQ(none->getFileNameForMedia(), "attachment.png");
-  EXPECT_TRUE(ZVRichNotificationHandler::sharedHandler().getMediaURLsFromPayload(nullptr).empty());
-  // A number where a URL or a media type is needed raises, for the request flow's guard.
-  EXPECT_THROW(mediaOf(R"({"zentrova":{"cid":"c","media-attachment":5}})"), Exception);
-  EXPECT_THROW(mediaOf(R"({"zentrova":{"cid":"c","media-attachment":"http://h/x",
-                          "media-type":1}})"),
-               Exception);
-  EXPECT_EQ(mediaOf(R"({"zentrova":{"cid":"c","media-attachment":"http://h/x.png",
-                       "media-type":1}})")
-                .size(),
-            1u);
-  EXPECT_THROW(mediaOf(withCards(R"([{"id":1,"widgets":[{"id":1,"type":"image","content":3}]}])")),
-               Exception);
+  // A URL that is not a string raises, for the request flow's guard.
+  EXPECT_THROW(
+      fileNamesOf(withCards(R"([{"id":1,"widgets":[{"id":1,"type":"image","content":3}]}])")),
+      Exception);
 }
 
 }  // namespace
