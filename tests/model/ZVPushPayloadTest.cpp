@@ -70,19 +70,9 @@ TEST(ZVPushPayloadTest, ProcessingAndRichPushOutcomes) {
   }
 }
 
-TEST(ZVPushPayloadTest, SoundAndCategoryComeFromIosOnly) {
-  auto p = ZVPushPayload::initWithPushPayload(
-      Value::parse(rich(R"({"type":"imageCarousel","style":{"bgColor":"#FF0000"}})",
-                        R"("sound":"s","ios":{"category":"c"},)")));
-  auto rp = p->richPush;
-  EXPECT_TRUE(rp->subTitle.isNil() && rp->sound.isNil() && rp->collapsedMode == nullptr);
-  EXPECT_EQ(rp->category.string(), "c");
-  EXPECT_EQ(*rp->expandedMode->bgColor, (Color{1, 0, 0, 1}));
-  EXPECT_TRUE(rp->expandedMode->cards.empty() && rp->defaultActions.empty());
-}
-
 // Ids and "autoStart" go through the platform's conversions; huge ids saturate.
-TEST(ZVPushPayloadTest, IdsAndAutoStartConvertAsThePlatformDoes) {
+TEST(ZVPushPayloadTest, RichModelFieldsAndConversions) {
+  const long long kMax = std::numeric_limits<long long>::max();
   struct Case {
     std::string json;
     bool autoStart;
@@ -90,16 +80,25 @@ TEST(ZVPushPayloadTest, IdsAndAutoStartConvertAsThePlatformDoes) {
   } cases[] = {{R"("12abc")", true, 12},
                {R"("0")", false, 0},
                {"3.9", true, 3},
-               {"1e30", true, std::numeric_limits<long long>::max()},
+               {"1e30", true, kMax},
                {R"("t")", true, 0}};
   for (const auto& c : cases) {
-    auto mode = ZVRichPushMode::initWithDictionary(Value::parse(
-        R"({"type":"stylizedBasic","autoStart":)" + c.json + R"(,"cards":[{"type":"x","id":)" +
-        c.json + R"(,"widgets":[{"type":"image","content":"","id":)" + c.json + "}]}]}"));
-    EXPECT_EQ(mode->autoStart, c.autoStart) << c.json;
-    EXPECT_EQ(mode->cards[0]->cardID, c.id) << c.json;
-    EXPECT_EQ(mode->cards[0]->widgets[0]->widgetId, c.id) << c.json;
-    EXPECT_EQ(mode->cards[0]->cardType, 3);
+    auto rp = ZVPushPayload::initWithPushPayload(
+                  Value::parse(rich(R"({"type":"imageCarousel","style":{"bgColor":"#FF0000"},)"
+                                    R"("autoStart":)" +
+                                        c.json + R"(,"cards":[{"type":"x","id":)" + c.json +
+                                        R"(,"widgets":[{"type":"image","content":"","id":)" +
+                                        c.json + "}]}]}",
+                                    R"("sound":"s","ios":{"category":"c"},)")))
+                  ->richPush;
+    // Sound and category come from "ios" only; ids and "autoStart" convert as the platform does.
+    EXPECT_TRUE(rp->subTitle.isNil() && rp->sound.isNil() && rp->category.string() == "c");
+    EXPECT_EQ(*rp->expandedMode->bgColor, (Color{1, 0, 0, 1}));
+    EXPECT_EQ(rp->expandedMode->autoStart, c.autoStart) << c.json;
+    const auto& card = rp->expandedMode->cards.at(0);
+    EXPECT_EQ(card->cardType, 3);
+    EXPECT_EQ(card->cardID, c.id) << c.json;
+    EXPECT_EQ(card->widgets.at(0)->widgetId, c.id) << c.json;
   }
 }
 

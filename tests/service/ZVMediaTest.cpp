@@ -9,12 +9,14 @@
 namespace zv {
 namespace {
 
-std::vector<std::string> fileNamesOf(const std::string& json) {
+std::vector<std::string> mediaOf(const std::string& json) {
   auto payload = ZVPushPayload::initWithPushPayload(Value::parse(json));
   std::vector<std::string> names;
   for (const auto& m :
        ZVRichNotificationHandler::sharedHandler().getMediaURLsFromPayload(payload)) {
-    names.push_back(m->getFileNameForMedia());
+    EXPECT_EQ(m->getFileNameForMedia(), *m->attachmentID + "." + *m->attachmentExtension);
+    EXPECT_EQ(m->attachmentID, ZVRichNotifUtils::MD5hashForString(m->mediaURL->absoluteString()));
+    names.push_back(m->mediaURL->absoluteString() + "|" + *m->attachmentExtension);
   }
   return names;
 }
@@ -34,7 +36,7 @@ std::string image(const std::string& url) {
 TEST(ZVMediaTest, CollectsCardImagesOnceOrElseTheTopLevelMedia) {
   struct Case {
     std::string json;
-    std::vector<std::string> media;  // each "URL|extension" of the file name "MD5(URL).extension"
+    std::vector<std::string> media;  // each "URL|extension"
   } cases[] = {
       {withCards("[]"), {}},
       {withCards(R"([{"id":1,"widgets":[{"id":1,"type":"text","content":"x"}]}])"), {}},
@@ -52,13 +54,7 @@ TEST(ZVMediaTest, CollectsCardImagesOnceOrElseTheTopLevelMedia) {
       {R"({"zentrova":{"cid":"c","media-attachment":"http://h/100%"}})", {}},
   };
   for (const auto& c : cases) {
-    std::vector<std::string> expected;
-    for (const auto& m : c.media) {
-      auto bar = m.find('|');
-      expected.push_back(ZVRichNotifUtils::MD5hashForString(m.substr(0, bar)) + "." +
-                         m.substr(bar + 1));
-    }
-    EXPECT_EQ(fileNamesOf(c.json), expected) << c.json;
+    EXPECT_EQ(mediaOf(c.json), c.media) << c.json;
   }
 }
 
@@ -67,9 +63,8 @@ TEST(ZVMediaTest, ItemsWithoutUrlAndUrlsOfTheWrongKind) {
   EXPECT_FALSE(none->mediaURL || none->attachmentID || none->attachmentExtension);
   EXPECT_EQ(none->getFileNameForMedia(), "attachment.png");
   // A URL that is not a string raises, for the request flow's guard.
-  EXPECT_THROW(
-      fileNamesOf(withCards(R"([{"id":1,"widgets":[{"id":1,"type":"image","content":3}]}])")),
-      Exception);
+  EXPECT_THROW(mediaOf(withCards(R"([{"id":1,"widgets":[{"id":1,"type":"image","content":3}]}])")),
+               Exception);
 }
 
 }  // namespace
