@@ -29,19 +29,21 @@ Platform& Platform::shared() {
 }
 
 void Platform::reset() {
-  // The URL session is released outside the lock: its destructor joins its delegate thread, which
-  // may be waiting for this lock.
+  // The ports are released after the lock: their destructors may finish pending work whose
+  // completions use the platform object.
   std::shared_ptr<UrlSession> session;
+  std::shared_ptr<NotificationCenter> center;
+  std::shared_ptr<TextMeasurer> measurer;
   std::lock_guard lock(mutex_);
-  session.swap(urlSession_);
   version_ = 17.0;
   clock_ = std::make_shared<SystemClock>();
   bundleIdentifier_ = "com.zentrova.extension";
   storeDirectory_ = defaultStoreDirectory();
   temporaryDirectory_ = defaultTemporaryDirectory();
   extraCaFile_.clear();
-  notificationCenter_.reset();
-  textMeasurer_.reset();
+  session.swap(urlSession_);
+  center.swap(notificationCenter_);
+  measurer.swap(textMeasurer_);
 }
 
 double Platform::version() const {
