@@ -3,7 +3,7 @@
 // TestCertificates.h; trust testTlsFiles().caCert to reach it). Every request is recorded.
 //
 // Canned answers:
-//   GET  /status/<code>     that status, body "status <code>"
+//   GET  /status/<code>     that status, body "status <code>" (none for 204 and 304)
 //   GET  /slow/<ms>         200 "slow" after <ms> milliseconds
 //   GET  /bytes/<n>         n bytes of a repeating pattern (patternBytes), with a length
 //   GET  /chunked/<n>       the same bytes, chunked (no length announced)
@@ -11,6 +11,7 @@
 //   GET  /redirect/<k>      302 to /redirect/<k-1>; /redirect/0 answers 200 "redirected"
 //   GET  <a path from addFile>  that file's body and content type
 //   POST <any path>         the status set by setPostStatus (200 unless set), body "ok"
+//                           (none for 204 and 304)
 // Anything else: 404.
 //
 // The listening socket's backlog is small (5, fixed in the library): a burst of many more new
