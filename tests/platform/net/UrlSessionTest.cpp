@@ -237,10 +237,15 @@ TEST_F(UrlSessionFailureTest, CompletionsRunOneAtATimeOnOneThread) {
 
 TEST_F(UrlSessionFailureTest, ThrowingCompletionIsContainedAndLaterTasksRun) {
   zvtest::LogCapture log;
+  std::promise<void> throwing;
   session
       ->dataTaskWithRequest(UrlRequest(Url::parse(server.url("/status/200"))),
-                            [](auto...) { throw std::runtime_error("boom"); })
+                            [&](auto...) {
+                              throwing.set_value();
+                              throw std::runtime_error("boom");
+                            })
       ->resume();
+  throwing.get_future().wait();
   Outcome o = fetch(*session, UrlRequest(Url::parse(server.url("/status/201"))));
   EXPECT_EQ(o.response->statusCode(), 201);
   EXPECT_EQ(log.system(),
