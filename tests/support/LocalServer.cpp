@@ -38,6 +38,7 @@ LocalServer::LocalServer(Scheme scheme) : scheme_(scheme) {
   // keep-alive so that a test ends quickly even when its client still holds a connection.
   server_->new_task_queue = [] { return new httplib::ThreadPool(kWorkers); };
   server_->set_keep_alive_timeout(1);
+  server_->set_keep_alive_max_count(1000);
   installRoutes();
   port_ = server_->bind_to_any_port("127.0.0.1");
   if (port_ <= 0) throw std::runtime_error("test server: cannot bind");
