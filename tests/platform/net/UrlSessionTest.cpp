@@ -1,4 +1,7 @@
+#include <arpa/inet.h>
 #include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
 
 #include <atomic>
 #include <future>
@@ -254,6 +257,29 @@ TEST_F(UrlSessionFailureTest, DestroyedSessionDropsRunningTasks) {
   std::this_thread::sleep_for(std::chrono::milliseconds(50));
   session.reset();
   EXPECT_FALSE(called);
+}
+
+TEST(PlatformUrlSessionDeathTest, ProcessExitsCleanlyWithATaskInFlight) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  auto exitDuringTransfer = [] {
+    // A peer that accepts the connection (the kernel does) but never answers.
+    int fd = ::socket(AF_INET, SOCK_STREAM, 0);
+    sockaddr_in addr{};
+    addr.sin_family = AF_INET;
+    addr.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t len = sizeof addr;
+    ::bind(fd, reinterpret_cast<sockaddr*>(&addr), sizeof addr);
+    ::listen(fd, 4);
+    ::getsockname(fd, reinterpret_cast<sockaddr*>(&addr), &len);
+    std::string url = "http://127.0.0.1:" + std::to_string(ntohs(addr.sin_port)) + "/";
+    Platform::shared()
+        .urlSession()
+        ->dataTaskWithRequest(UrlRequest(Url::parse(url)), [](auto...) { std::abort(); })
+        ->resume();
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    std::exit(0);
+  };
+  EXPECT_EXIT(exitDuringTransfer(), ::testing::ExitedWithCode(0), "");
 }
 
 TEST(PlatformUrlSession, CreatedOnceReloadingIgnoringLocalData) {
