@@ -1,6 +1,9 @@
 #include "JsonIO.h"
 
+#include <fmt/format.h>
+
 #include <boost/json/serialize.hpp>
+#include <cmath>
 #include <fstream>
 #include <iostream>
 #include <iterator>
@@ -63,7 +66,12 @@ void write(std::ostream& out, const boost::json::value& v, int indent) {
     bool scalars = true;
     for (const auto& e : a) scalars = scalars && !e.is_object() && !e.is_array();
     if (scalars && a.size() <= 8) {
-      out << boost::json::serialize(v);
+      out << "[";
+      for (size_t i = 0; i < a.size(); ++i) {
+        if (i > 0) out << ",";
+        write(out, a[i], indent);
+      }
+      out << "]";
       return;
     }
     out << "[\n";
@@ -75,6 +83,10 @@ void write(std::ostream& out, const boost::json::value& v, int indent) {
       write(out, e, indent + 2);
     }
     out << "\n" << std::string(indent, ' ') << "]";
+  } else if (v.is_double()) {
+    // Shortest round-trip text ("17", "61.53125") rather than Boost's exponent form ("1.7E1").
+    double d = v.get_double();
+    out << (std::isfinite(d) ? fmt::format("{}", d) : "null");
   } else {
     out << boost::json::serialize(v);
   }
