@@ -15,6 +15,7 @@
 #include "model/ZVRichNotifUtils.h"
 #include "platform/foundation/Exception.h"
 #include "platform/foundation/Log.h"
+#include "platform/text/HtmlImporter.h"
 #include "platform/text/PangoTextMeasurer.h"
 #include "platform/text/StyledText.h"
 #include "platform/text/Utf16.h"
@@ -103,7 +104,11 @@ int run(const Args& args) {
     return kOk;
   }
   auto plain = zv::ZVRichNotifUtils::getStringFromHTML(html);
-  if (!plain) throw UsageError(path + " cannot be read as HTML: it is not valid UTF-8");
+  if (!plain) {
+    zv::Error error;
+    zv::HtmlImporter::import(html, &error);  // only for the reason
+    throw UsageError(path + " cannot be read as HTML: " + error.localizedDescription);
+  }
   std::cout << *plain << "\n";
   return kOk;
 }

@@ -1,5 +1,9 @@
 #include "platform/text/HtmlImporter.h"
 
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cctype>
 #include <cwctype>
 #include <vector>
 
@@ -22,6 +26,35 @@ bool mayHoldStyleElement(std::string_view html) {
     if (css::equalsIgnoreCase(html.substr(i + 1, 5), "style")) return true;
   }
   return false;
+}
+
+// An upper estimate of how deeply the text nests elements: start tags count up and end tags down,
+// except for the void elements and self-closing tags, which hold no content.
+int nestingEstimate(std::string_view html) {
+  static constexpr std::string_view kVoid[] = {"br",    "img",   "hr",     "input", "meta",
+                                               "link",  "wbr",   "area",   "base",  "col",
+                                               "embed", "param", "source", "track", "keygen"};
+  int depth = 0;
+  int deepest = 0;
+  for (size_t i = html.find('<'); i != std::string_view::npos; i = html.find('<', i + 1)) {
+    bool end = i + 1 < html.size() && html[i + 1] == '/';
+    size_t name = i + 1 + end;
+    size_t stop = name;
+    while (stop < html.size() && std::isalnum(static_cast<unsigned char>(html[stop]))) ++stop;
+    if (stop == name || !std::isalpha(static_cast<unsigned char>(html[name]))) continue;
+    if (end) {
+      depth = std::max(0, depth - 1);
+      continue;
+    }
+    std::string_view tag = html.substr(name, stop - name);
+    bool isVoid = false;
+    for (std::string_view v : kVoid) isVoid = isVoid || css::equalsIgnoreCase(tag, v);
+    size_t close = stop;
+    while (close < html.size() && html[close] != '>' && html[close] != '<') ++close;
+    if (isVoid || (close < html.size() && html[close] == '>' && html[close - 1] == '/')) continue;
+    deepest = std::max(deepest, ++depth);
+  }
+  return deepest;
 }
 
 void collectStyleSheets(const GumboNode* root, css::StyleSheet& sheet) {
@@ -198,17 +231,28 @@ class Walker {
     push(e, std::move(style), parent, closedDetails);
     const ComputedStyle& s = frames_.back().style;
     if (!s.visible) return;
-    if (s.display == Display::kBlock || s.display == Display::kTableRow) {
-      builder_.blockBoundary(attributes(parent));
+    // The line break before a block goes with the block: when the block is struck through, the
+    // break leaves with it.
+    if (breaksLines(frames_.size() - 1)) {
+      builder_.blockBoundary(attributes(frames_.size() - 1));
     } else if (s.display == Display::kTableCell) {
       builder_.cellStart();
     }
   }
 
+  // Blocks and table rows stand on lines of their own; so does a paragraph whatever its display,
+  // as text extraction has it.
+  bool breaksLines(size_t index) const {
+    const Frame& f = frames_[index];
+    return f.style.display == Display::kBlock || f.style.display == Display::kTableRow ||
+           (f.node->v.element.tag == GUMBO_TAG_P &&
+            f.node->v.element.tag_namespace == GUMBO_NAMESPACE_HTML);
+  }
+
   void leave(size_t index) {
     const ComputedStyle& s = frames_[index].style;
     if (!s.visible) return;
-    if (s.display == Display::kBlock || s.display == Display::kTableRow) {
+    if (breaksLines(index)) {
       builder_.blockBoundary(attributes(index));
     } else if (s.display == Display::kTableCell && hasLaterCell(frames_[index].node)) {
       builder_.cellSeparator(attributes(index));
@@ -236,6 +280,14 @@ std::shared_ptr<StyledText> HtmlImporter::import(std::string_view html, Error* e
     if (error) {
       *error = Error{kErrorDomain, kInvalidEncoding,
                      "The HTML text could not be read because it is not valid UTF-8."};
+    }
+    return nullptr;
+  }
+  if (int depth = nestingEstimate(html); depth > kMaximumDepth) {
+    if (error) {
+      *error = Error{kErrorDomain, kTooDeep,
+                     fmt::format("The HTML text nests elements {} deep; at most {} are read.",
+                                 depth, kMaximumDepth)};
     }
     return nullptr;
   }

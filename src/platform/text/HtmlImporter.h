@@ -20,9 +20,14 @@ class HtmlImporter {
  public:
   static constexpr const char* kErrorDomain = "ZVHTMLImportErrorDomain";
   static constexpr long kInvalidEncoding = 1;
+  static constexpr long kTooDeep = 2;
+  // How deeply elements may nest. Browsers stop nesting at 512; gumbo has no limit and its cost
+  // grows with the square of the depth, so deeper input is refused instead of parsed for minutes.
+  static constexpr int kMaximumDepth = 10000;
 
   // The styled text of a UTF-8 HTML document; nullptr, and *error when given, when the text is not
-  // valid UTF-8. Any other text parses: HTML has no syntax errors that stop a browser.
+  // valid UTF-8 or nests elements deeper than kMaximumDepth. Any other text parses: HTML has no
+  // syntax errors that stop a browser.
   static std::shared_ptr<StyledText> import(std::string_view html, Error* error = nullptr);
 };
 

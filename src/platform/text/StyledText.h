@@ -43,11 +43,11 @@ class StyledText {
   StyledText() = default;
   explicit StyledText(std::string_view utf8, TextAttributes attributes = {});
 
-  size_t length() const { return chars_.size(); }
-  const std::u16string& characters() const { return chars_; }
+  size_t length() const { return chars_.size() - pendingLength_; }
+  const std::u16string& characters() const;
   // The plain characters as UTF-8.
   std::string string() const;
-  const std::vector<Run>& runs() const { return runs_; }
+  const std::vector<Run>& runs() const;
 
   void append(std::u16string_view text, const AttributesRef& attributes);
   void append(std::string_view utf8, const AttributesRef& attributes);
@@ -66,7 +66,9 @@ class StyledText {
   void deleteCharacters(TextRange range);
 
   // An editing batch: runs are tidied (equal neighbours merged) when the outermost batch closes
-  // instead of after every change. Batches nest.
+  // instead of after every change, and deletions that go from the start towards the end are
+  // gathered and carried out in one pass, so that thousands of them stay linear. Every read sees
+  // the text with all deletions made. Batches nest.
   void beginEditing() { ++editing_; }
   void endEditing();
 
@@ -74,10 +76,15 @@ class StyledText {
   void checkRange(TextRange range, const char* operation) const;
   // Splits the run holding position pos so that a run starts there; returns that run's index.
   size_t splitAt(size_t pos);
-  void coalesce();
+  void coalesce() const;
+  // Carries out the gathered deletions.
+  void flush() const;
 
-  std::u16string chars_;
-  std::vector<Run> runs_;
+  // The gathered deletions change nothing a reader can see, hence mutable.
+  mutable std::u16string chars_;
+  mutable std::vector<Run> runs_;
+  mutable std::vector<TextRange> pending_;  // positions before any of them, ascending, disjoint
+  mutable size_t pendingLength_ = 0;
   int editing_ = 0;
 };
 
