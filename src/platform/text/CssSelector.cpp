@@ -156,7 +156,7 @@ std::optional<Selector> Selector::parse(std::string_view text) {
   }
   if (parts == 0 || combinator != 0) return std::nullopt;
   sel.compounds_.push_back(std::move(cur));
-  sel.specificity_ =
+  sel.rank_ =
       (std::min(ids, 1023u) << 20) | (std::min(classes, 1023u) << 10) | std::min(types, 1023u);
   return sel;
 }

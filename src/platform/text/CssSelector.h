@@ -23,7 +23,7 @@ class Selector {
   // In quirks mode class and id names match without regard to ASCII case.
   bool matches(const GumboNode* element, bool quirks) const;
   // Ids, then classes, attributes and pseudo-classes, then types, packed for comparison.
-  uint32_t specificity() const { return specificity_; }
+  uint32_t rank() const { return rank_; }
 
  private:
   struct AttributeTest {
@@ -46,7 +46,7 @@ class Selector {
 
   std::vector<Compound> compounds_;  // left to right
   std::vector<char> combinators_;    // between compounds_[i] and compounds_[i + 1]
-  uint32_t specificity_ = 0;
+  uint32_t rank_ = 0;
 };
 
 }  // namespace zv::css

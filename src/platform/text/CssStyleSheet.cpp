@@ -130,13 +130,13 @@ void StyleSheet::parseRules(std::string_view s) {
 void StyleSheet::match(const GumboNode* element, bool quirks,
                        std::vector<const Declaration*>& normal,
                        std::vector<const Declaration*>& important) const {
-  // Matching rules in source order, then a stable sort by specificity gives the cascade order.
+  // Matching rules in source order, then a stable sort by selector rank gives the cascade order.
   std::vector<const Rule*> matched;
   for (const Rule& r : rules_) {
     if (r.selector.matches(element, quirks)) matched.push_back(&r);
   }
   std::stable_sort(matched.begin(), matched.end(), [](const Rule* a, const Rule* b) {
-    return a->selector.specificity() < b->selector.specificity();
+    return a->selector.rank() < b->selector.rank();
   });
   for (const Rule* r : matched) {
     for (const Declaration& d : *r->declarations) (d.important ? important : normal).push_back(&d);

@@ -23,7 +23,7 @@ class StyleSheet {
   static bool mediaApplies(std::string_view query);
 
   // The declarations of every rule matching the element, normal and important apart, each in the
-  // order in which they apply (lower specificity first, then source order).
+  // order in which they apply (lower selector rank first, then source order).
   void match(const GumboNode* element, bool quirks, std::vector<const Declaration*>& normal,
              std::vector<const Declaration*>& important) const;
 

@@ -111,6 +111,12 @@ TextSize PangoTextMeasurer::boundingSize(std::string_view text, const Font& font
                   static_cast<double>(logical.height) / PANGO_SCALE};
 }
 
+#if defined(__SANITIZE_ADDRESS__)
+// Fontconfig keeps its configuration and caches until the process ends, by design: in sanitizer
+// builds, do not report them as leaks.
+extern "C" const char* __lsan_default_suppressions() { return "leak:libfontconfig.so\n"; }
+#endif
+
 std::shared_ptr<PangoTextMeasurer> installPangoTextMeasurer() {
   auto measurer = std::make_shared<PangoTextMeasurer>();
   Platform::shared().setTextMeasurer(measurer);
