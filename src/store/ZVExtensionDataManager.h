@@ -13,6 +13,7 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "platform/foundation/Value.h"
 
@@ -61,6 +62,19 @@ class ZVExtensionDataManager {
 
  private:
   ZVExtensionDataManager() = default;
+
+  // The application id as a key of the suite: only a string id names a per-application
+  // dictionary; nullopt for nil and for ids of any other kind.
+  std::optional<std::string> appKey() const;
+  // The per-application dictionary (the suite's value under the application id when it is a
+  // dictionary), or nil.
+  static Value appDictionary(UserDefaults& suite, const std::optional<std::string>& key);
+  Value endpointValue(std::string_view key, Value fallback);
+  static Value pendingIn(UserDefaults& suite, const std::optional<std::string>& key);
+  static void writePending(UserDefaults& suite, const std::optional<std::string>& key,
+                           boost::json::value list);
+  static Value eventsIn(UserDefaults& suite, const std::string& key);
+  static void writeEvents(UserDefaults& suite, const std::string& key, boost::json::value events);
 
   mutable std::mutex mutex_;
   Value currentAppID_;
