@@ -50,15 +50,16 @@ constexpr size_t kPendingTrimCount = 31;
 
 Value nullToNil(Value v) { return v.isNull() ? Value() : v; }
 
-// A copy of a dictionary without one key; the value under that key is not copied at all, which
-// matters for the event list that is replaced on every append.
-json::object copyWithout(const Value& dict, std::string_view key) {
-  const json::object& source = dict.object();
-  json::object out(source.size() + 1);
-  for (const auto& entry : source) {
-    if (entry.key() != key) out.emplace(entry.key(), entry.value());
-  }
-  return out;
+// The dictionary in v, made anew when v holds anything else.
+json::object& asDictionary(json::value& v) {
+  if (!v.is_object()) v = json::object();
+  return v.as_object();
+}
+
+// The list in v, made anew when v holds anything else.
+json::array& asList(json::value& v) {
+  if (!v.is_array()) v = json::array();
+  return v.as_array();
 }
 
 }  // namespace
@@ -142,9 +143,14 @@ std::optional<json::object> ZVExtensionDataManager::getQueryParams() {
   // The per-application dictionary may hold its own "zov_params", but the parameters always come
   // from the top level, where the host application writes them; a per-application value alone
   // leaves the store unconfigured. A top-level value that is not a dictionary counts as none.
-  Value params = suite->objectForKey(kParamsKey);
-  if (!params.isObject()) return std::nullopt;
+  Value params = queryParamsIn(*suite);
+  if (!params) return std::nullopt;
   return params.mutableObjectCopy();
+}
+
+Value ZVExtensionDataManager::queryParamsIn(UserDefaults& suite) {
+  Value params = suite.objectForKey(kParamsKey);
+  return params.isObject() ? params : Value();
 }
 
 std::optional<json::object> ZVExtensionDataManager::getIdentifiers() {
@@ -198,15 +204,12 @@ Value ZVExtensionDataManager::pendingIn(UserDefaults& suite,
   return nullToNil(suite.objectForKey(kPendingKey));
 }
 
-void ZVExtensionDataManager::writePending(UserDefaults& suite,
-                                          const std::optional<std::string>& key, json::value list) {
-  Value app = appDictionary(suite, key);
-  if (app) {
-    json::object updated = copyWithout(app, kPendingKey);
-    updated[kPendingKey] = std::move(list);
-    suite.setObject(Value(std::move(updated)), *key);
+void ZVExtensionDataManager::editPending(UserDefaults& suite, const std::optional<std::string>& key,
+                                         const std::function<void(json::value& list)>& edit) {
+  if (appDictionary(suite, key)) {
+    suite.modifyObject(*key, [&](json::value& app) { edit(asDictionary(app)[kPendingKey]); });
   } else {
-    suite.setObject(Value(std::move(list)), kPendingKey);
+    suite.modifyObject(kPendingKey, edit);
   }
 }
 
@@ -221,7 +224,7 @@ void ZVExtensionDataManager::updatePendingNotifications(const Value& list) {
   auto suite = getZovUserDefaults();
   if (!suite) return;
   auto key = appKey();
-  suite->transaction([&] { writePending(*suite, key, list.json()); });
+  suite->transaction([&] { editPending(*suite, key, [&](json::value& v) { v = list.json(); }); });
   suite->synchronize();
 }
 
@@ -230,7 +233,6 @@ void ZVExtensionDataManager::saveReceivedNotificationWithPayload(const Value& pa
   if (zentrova.isNil() || payload.isNil()) return;
   auto suite = getZovUserDefaults();
   if (!suite) return;
-  if (!getQueryParams()) return;
 
   // The record: the whole payload, its "zentrova" stamped with the moment of saving, fraction kept.
   json::object stamped = zentrova.mutableObjectCopy();
@@ -238,15 +240,16 @@ void ZVExtensionDataManager::saveReceivedNotificationWithPayload(const Value& pa
   json::object record = payload.mutableObjectCopy();
   record[kZentrovaKey] = std::move(stamped);
 
-  // Read, trim, append and write back as one step, so that a notification saved by another
-  // process at the same moment is not lost.
+  // Check the configuration, read, trim, append and write back as one step, so that a
+  // notification saved by another process at the same moment is not lost.
   auto key = appKey();
   suite->transaction([&] {
-    Value stored = pendingIn(*suite, key);
-    json::array list = stored.isArray() ? stored.array() : json::array();
-    if (list.size() >= kPendingTrimCount) list.erase(list.begin());
-    list.push_back(record);
-    writePending(*suite, key, std::move(list));
+    if (!queryParamsIn(*suite)) return;
+    editPending(*suite, key, [&](json::value& v) {
+      json::array& list = asList(v);
+      if (list.size() >= kPendingTrimCount) list.erase(list.begin());
+      list.push_back(std::move(record));
+    });
   });
   suite->synchronize();
 }
@@ -269,12 +272,9 @@ Value ZVExtensionDataManager::eventsIn(UserDefaults& suite, const std::string& k
   return ZVRichNotifUtils::validObjectForKey(kEventsKey, app);
 }
 
-void ZVExtensionDataManager::writeEvents(UserDefaults& suite, const std::string& key,
-                                         json::value events) {
-  Value app = appDictionary(suite, key);
-  json::object updated = app ? copyWithout(app, kEventsKey) : json::object();
-  updated[kEventsKey] = std::move(events);
-  suite.setObject(Value(std::move(updated)), key);
+void ZVExtensionDataManager::editEvents(UserDefaults& suite, const std::string& key,
+                                        const std::function<void(json::value& events)>& edit) {
+  suite.modifyObject(key, [&](json::value& app) { edit(asDictionary(app)[kEventsKey]); });
 }
 
 Value ZVExtensionDataManager::getReceivedEvents() {
@@ -289,7 +289,7 @@ void ZVExtensionDataManager::updateReceivedEvents(const Value& events) {
   auto suite = getZovUserDefaults();
   auto key = appKey();
   if (!suite || !key) return;
-  suite->transaction([&] { writeEvents(*suite, *key, events.json()); });
+  editEvents(*suite, *key, [&](json::value& v) { v = events.json(); });
   suite->synchronize();
 }
 
@@ -299,23 +299,16 @@ void ZVExtensionDataManager::saveEvent(const std::optional<std::string>& name,
   auto suite = getZovUserDefaults();
   auto key = appKey();
   if (!suite || !key) return;
-  if (!getQueryParams()) return;
+  // Building the record has no effect on the store, so it happens before the store is locked.
   Value record = getEventDictWithName(*name, payload);
   if (record.isNil()) return;
 
-  // Read the list, append and write back as one step, so that events recorded by the other
-  // extension or the host application at the same moment are kept. (A stored value that is not a
-  // list is replaced by a new one.)
+  // Check the configuration, read the list, append and write back as one step, so that events
+  // recorded by the other extension or the host application at the same moment are kept. (A
+  // stored value that is not a list is replaced by a new one.)
   suite->transaction([&] {
-    Value stored = eventsIn(*suite, *key);
-    json::array list;
-    if (stored.isArray()) {
-      const json::array& old = stored.array();
-      list.reserve(old.size() + 1);
-      for (const json::value& e : old) list.push_back(e);
-    }
-    list.push_back(record.json());
-    writeEvents(*suite, *key, std::move(list));
+    if (!queryParamsIn(*suite)) return;
+    editEvents(*suite, *key, [&](json::value& v) { asList(v).push_back(record.json()); });
   });
   suite->synchronize();
 }
@@ -351,8 +344,10 @@ void ZVExtensionDataManager::resetEventsData() {
   if (auto key = appKey()) {
     suite->transaction([&] {
       Value app = appDictionary(*suite, key);
-      if (app && app.object().contains(kEventsKey)) {
-        suite->setObject(Value(copyWithout(app, kEventsKey)), *key);
+      bool hasEvents = app && app.object().contains(kEventsKey);
+      app = Value();  // let the stored dictionary be edited in place
+      if (hasEvents) {
+        suite->modifyObject(*key, [](json::value& v) { asDictionary(v).erase(kEventsKey); });
       }
     });
   }

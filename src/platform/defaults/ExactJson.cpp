@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 
 #include <boost/json/basic_parser_impl.hpp>
-#include <boost/json/serialize.hpp>
 #include <boost/json/value_stack.hpp>
 #include <charconv>
 #include <string>
@@ -106,7 +105,5 @@ json::value ExactJson::parse(std::string_view text) {
   if (ec) throw Exception("JSONParseException", fmt::format("invalid JSON: {}", ec.message()));
   return parser.handler().st.release();
 }
-
-std::string ExactJson::serialize(const json::value& v) { return json::serialize(v); }
 
 }  // namespace zv

@@ -43,6 +43,9 @@ std::shared_ptr<SqliteStore> SqliteStorePool::acquire(const std::filesystem::pat
     if (it->second->usable()) return it->second;
     p.open.erase(it);
   }
+  // Before another connection is opened, let go of those whose file is gone (a removed folder,
+  // a file moved aside), so that their descriptors do not pile up in a long-lived process.
+  std::erase_if(p.open, [](const auto& entry) { return !entry.second->usable(true); });
   std::string reason;
   auto store = SqliteStore::open(path, &reason);
   if (!store) {

@@ -3,10 +3,11 @@
 // stat of the file instead of opening, configuring and checking a database.
 //
 // A pooled store is reopened when its file was removed, replaced or moved aside by another process,
-// or when it reported damage. After fork the child starts with an empty pool: the connections
-// inherited from the parent are abandoned, never used or closed, as SQLite requires. (Forking while
-// another thread of the parent is inside the store is not supported.) A file that cannot be opened
-// is reported to the system log once, until it opens again.
+// or when it reported damage; stores whose file is gone are let go whenever a new one opens. After
+// fork the child starts with an empty pool: the connections inherited from the parent are
+// abandoned, never used or closed, as SQLite requires. (Forking while another thread of the parent
+// is inside the store is not supported.) A file that cannot be opened is reported to the system log
+// once, until it opens again.
 #pragma once
 
 #include <filesystem>

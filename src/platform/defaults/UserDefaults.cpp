@@ -38,7 +38,8 @@ std::optional<std::string> UserDefaults::fileNameForSuite(std::string_view suite
     if (size_t pct = stem.rfind('%'); pct != std::string::npos && pct + 3 > stem.size()) {
       stem.resize(pct);
     }
-    stem += "-" + md5Hex(suiteName);
+    stem += '-';
+    stem += md5Hex(suiteName);
   }
   return stem + ".sqlite";
 }
@@ -78,6 +79,11 @@ bool UserDefaults::update(std::string_view key,
     Value next = fn(objectForKey(key));
     setObject(next, key);
   });
+}
+
+bool UserDefaults::modifyObject(std::string_view key,
+                                const std::function<void(boost::json::value& value)>& fn) {
+  return store_ && store_->modify(key, fn);
 }
 
 }  // namespace zv

@@ -61,6 +61,11 @@ class UserDefaults {
   // Atomically replaces the value under key by fn(current value); fn returning nil removes it.
   bool update(std::string_view key, const std::function<Value(const Value& current)>& fn);
 
+  // Atomically edits the value under key in place: fn receives the current value (null when the
+  // key is absent) and changes it; the result is written back. For long values this is the cheap
+  // way to append: when nobody else holds the stored value it is edited without a copy.
+  bool modifyObject(std::string_view key, const std::function<void(boost::json::value& value)>& fn);
+
   // Every write is already committed when it returns: nothing to do.
   bool synchronize() { return true; }
 
