@@ -1,15 +1,18 @@
 // The cost of recording one event in the app-group store, against the floor that SQLite itself
-// sets: one write of the same bytes into a table of the same shape, with the same journal settings.
+// sets: a write of the same bytes into a table of the same shape, with the same journal settings.
 //
 // The event list is rewritten whole on every append (the per-application dictionary is one
 // value), so both sides grow linearly with the number of stored events; what matters is the ratio.
-//   BM_AppendEvent/N                 saveEvent on a suite holding N events (the usual case: this
-//                                    process wrote last, its parsed values are current)
+// Each iteration appends to a list of N events, then (not timed) puts the list back.
+//   BM_AppendEvent/N                 saveEvent; this process wrote last (the usual case)
 //   BM_AppendEventOtherKeyChanged/N  the same after another process wrote another key
 //   BM_AppendEventSameKeyChanged/N   the same after another process rewrote the application's
-//                                    dictionary, so it is read and parsed again
+//                                    dictionary, which must then be read and parsed again
 //   BM_BareWrite/N                   one INSERT of the bytes that the append writes
-//   BM_FourProcesses        4 processes x 500 appends to one suite at once; fails if any is lost
+//   BM_FourProcesses                 4 processes x 500 appends to one suite at once, from an empty
+//                                    list; fails if any event is lost
+// Run with --benchmark_repetitions=5 --benchmark_enable_random_interleaving=true: disk traffic of
+// other programs otherwise lands on one side only.
 #include <benchmark/benchmark.h>
 #include <sqlite3.h>
 #include <sys/wait.h>

