@@ -1,6 +1,8 @@
-// A zvpush subcommand. Each command file registers itself with a static ZVPUSH_COMMAND(...) so
-// that adding a command touches no other file. A command returns the process exit code:
-// 0 success, 2 usage error or unreadable input (after printing one line on stderr).
+// A zvpush subcommand. Each command file registers itself, so that adding a command touches no
+// other file:
+//   ZVPUSH_COMMAND("name", "summary", "usage", runFunction);
+// A command returns the process exit code: 0 success, 2 usage error or unreadable input (after
+// printing one line on stderr).
 #pragma once
 
 #include <functional>

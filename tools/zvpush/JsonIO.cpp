@@ -1,6 +1,9 @@
 #include "JsonIO.h"
 
+#include <fmt/format.h>
+
 #include <boost/json/serialize.hpp>
+#include <cmath>
 #include <fstream>
 #include <iostream>
 #include <iterator>
@@ -37,6 +40,18 @@ zv::Value readJsonObject(const std::string& path) {
 
 namespace {
 
+// Numbers with a fraction print in their shortest exact form ("0.5", "1"), not as Boost.JSON's
+// exponent notation ("5E-1"); values JSON cannot hold print as null.
+void writeScalar(std::ostream& out, const boost::json::value& v) {
+  if (!v.is_double()) {
+    out << boost::json::serialize(v);
+  } else if (!std::isfinite(v.get_double())) {
+    out << "null";
+  } else {
+    out << fmt::format("{}", v.get_double());
+  }
+}
+
 void write(std::ostream& out, const boost::json::value& v, int indent) {
   std::string pad(indent + 2, ' ');
   if (v.is_object()) {
@@ -63,7 +78,12 @@ void write(std::ostream& out, const boost::json::value& v, int indent) {
     bool scalars = true;
     for (const auto& e : a) scalars = scalars && !e.is_object() && !e.is_array();
     if (scalars && a.size() <= 8) {
-      out << boost::json::serialize(v);
+      out << "[";
+      for (size_t i = 0; i < a.size(); ++i) {
+        if (i > 0) out << ", ";
+        writeScalar(out, a[i]);
+      }
+      out << "]";
       return;
     }
     out << "[\n";
@@ -76,7 +96,7 @@ void write(std::ostream& out, const boost::json::value& v, int indent) {
     }
     out << "\n" << std::string(indent, ' ') << "]";
   } else {
-    out << boost::json::serialize(v);
+    writeScalar(out, v);
   }
 }
 

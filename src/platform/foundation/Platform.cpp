@@ -29,6 +29,11 @@ Platform& Platform::shared() {
 }
 
 void Platform::reset() {
+  // The ports are released after the lock: their destructors may finish pending work whose
+  // completions use the platform object.
+  std::shared_ptr<UrlSession> session;
+  std::shared_ptr<NotificationCenter> center;
+  std::shared_ptr<TextMeasurer> measurer;
   std::lock_guard lock(mutex_);
   version_ = 17.0;
   clock_ = std::make_shared<SystemClock>();
@@ -36,9 +41,9 @@ void Platform::reset() {
   storeDirectory_ = defaultStoreDirectory();
   temporaryDirectory_ = defaultTemporaryDirectory();
   extraCaFile_.clear();
-  urlSession_.reset();
-  notificationCenter_.reset();
-  textMeasurer_.reset();
+  session.swap(urlSession_);
+  center.swap(notificationCenter_);
+  measurer.swap(textMeasurer_);
 }
 
 double Platform::version() const {

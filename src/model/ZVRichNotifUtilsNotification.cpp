@@ -1,0 +1,14 @@
+// ZVRichNotifUtils: the payload of a delivered notification.
+
+#include "model/ZVRichNotifUtils.h"
+#include "platform/notifications/UNNotification.h"
+
+namespace zv {
+
+Value ZVRichNotifUtils::getPayloadFromNotification(
+    const std::shared_ptr<UNNotification>& notification) {
+  if (!notification) return {};
+  return notification->request()->content()->userInfo();
+}
+
+}  // namespace zv

@@ -1,0 +1,152 @@
+// The rich text operations of ZVRichNotifUtils: HTML fragments to styled text in the system font
+// at 17 px (black, or white in the dark theme), plain text wrapped as a paragraph, the height of a
+// text at a width, and HTML to plain text without its struck-through runs.
+#include <fmt/format.h>
+
+#include <charconv>
+#include <cstdint>
+#include <vector>
+
+#include "model/ZVRichNotifUtils.h"
+#include "platform/foundation/Exception.h"
+#include "platform/foundation/Log.h"
+#include "platform/foundation/Platform.h"
+#include "platform/text/HtmlImporter.h"
+#include "platform/text/StyledText.h"
+#include "platform/text/TextMeasurer.h"
+#include "platform/text/Utf16.h"
+
+namespace zv {
+
+namespace {
+
+// The style template: every element in the system font at 17 px, the text in the theme's colour.
+constexpr std::string_view kStyleBeforeColor =
+    "<style> * {font-family: -apple-system; font-size: 17px;} .iosThemeDefault { color: ";
+constexpr std::string_view kStyleAfterColor = ";} </style> <div class=\"iosThemeDefault\">";
+constexpr std::string_view kStyleEnd = "</div>";
+
+// An integer read the way the platform reads one from text: leading digits, 0 when there are none.
+long long integerValue(std::string_view s) {
+  long long v = 0;
+  std::from_chars(s.data(), s.data() + s.size(), v);
+  return v;
+}
+
+// Deleting a struck run leaves its neighbours side by side. Where that puts two collapsible spaces
+// together, or a space at the start or the end of a line, one of them goes, so that the text reads
+// as a browser shows the same HTML without the struck elements ("Now <s>$100</s> $50" reads
+// "Now $50"). Blank lines fold into one line break and the text neither starts nor ends with one.
+std::string tidyPlainText(std::u16string chars, std::vector<size_t> seams) {
+  for (size_t k = seams.size(); k-- > 0;) {
+    size_t p = seams[k];
+    if (k + 1 < seams.size() && seams[k + 1] == p) continue;
+    if (p > chars.size()) continue;
+    char16_t left = p > 0 ? chars[p - 1] : u'\n';
+    char16_t right = p < chars.size() ? chars[p] : u'\n';
+    if (right == u' ' && (left == u' ' || left == u'\n')) {
+      chars.erase(p, 1);
+    } else if (left == u' ' && right == u'\n') {
+      chars.erase(p - 1, 1);
+    }
+  }
+  std::u16string out;
+  out.reserve(chars.size());
+  for (char16_t c : chars) {
+    if (c == u'\n' && (out.empty() || out.back() == u'\n')) continue;
+    out.push_back(c);
+  }
+  if (!out.empty() && out.back() == u'\n') out.pop_back();
+  return utf16ToUtf8(out);
+}
+
+}  // namespace
+
+std::shared_ptr<StyledText> ZVRichNotifUtils::getAttributedStringFromHTMLStr(
+    const std::optional<std::string>& html, bool darkTheme) {
+  if (!html) return nullptr;
+  std::string document;
+  document.reserve(kStyleBeforeColor.size() + kStyleAfterColor.size() + html->size() + 16);
+  document.append(kStyleBeforeColor)
+      .append(darkTheme ? "white" : "black")
+      .append(kStyleAfterColor)
+      .append(*html)
+      .append(kStyleEnd);
+  Error error;
+  std::shared_ptr<StyledText> text = HtmlImporter::import(document, &error);
+  if (!text) {
+    log::system(fmt::format("{}", error.description()));
+    return nullptr;
+  }
+  // Alignment, spacing and indentation come from the label, not from the HTML.
+  text->removeAttribute(Attribute::kParagraphStyle, TextRange{0, text->length()});
+  return text;
+}
+
+std::shared_ptr<StyledText> ZVRichNotifUtils::getAttributedStringFromText(
+    const std::optional<std::string>& text, bool strong, bool darkTheme) {
+  if (!text) return nullptr;
+  // The text goes in unescaped: markup characters in it are read as HTML.
+  std::string html =
+      strong ? fmt::format("<p><strong>{}</strong></p>", *text) : fmt::format("<p>{}</p>", *text);
+  return getAttributedStringFromHTMLStr(html, darkTheme);
+}
+
+double ZVRichNotifUtils::getHeightForText(const std::optional<std::string>& text, double width,
+                                          const Font& font) {
+  if (!text) return 0.0;
+  // Line breaks are removed before measuring, so the lines run together: the row count of the body
+  // view is reckoned on the text as one paragraph.
+  std::string flat;
+  flat.reserve(text->size());
+  for (char c : *text) {
+    if (c != '\n') flat += c;
+  }
+  std::shared_ptr<TextMeasurer> measurer = Platform::shared().textMeasurer();
+  if (!measurer) {
+    throw Exception("NSInternalInconsistencyException",
+                    "No text measurer is installed: call zv::installPangoTextMeasurer() (or "
+                    "Platform::shared().setTextMeasurer) before measuring text");
+  }
+  return measurer->boundingSize(flat, font, width).height;
+}
+
+std::optional<std::string> ZVRichNotifUtils::getStringFromHTML(
+    const std::optional<std::string>& html) {
+  if (!html) return std::nullopt;
+  std::shared_ptr<StyledText> text = HtmlImporter::import(*html);
+  if (!text) return std::nullopt;
+
+  std::vector<std::string> records;
+  text->enumerateAttribute(
+      Attribute::kStrikethrough, TextRange{0, text->length()},
+      StyledText::kLongestEffectiveRangeNotRequired,
+      [&](const std::optional<AttributeValue>& value, TextRange range, bool&) {
+        if (value) {
+          records.push_back(fmt::format("{},{}", range.location, range.length));
+        }
+      });
+  std::vector<size_t> seams;
+  if (!records.empty()) {
+    text->beginEditing();
+    int32_t removed = 0;
+    long long start = 0;
+    long long length = 0;
+    for (const std::string& record : records) {
+      size_t comma = record.find(',');
+      bool twoParts =
+          comma != std::string::npos && record.find(',', comma + 1) == std::string::npos;
+      if (twoParts) {
+        start = integerValue(std::string_view(record).substr(0, comma)) - removed;
+        length = integerValue(std::string_view(record).substr(comma + 1));
+      }
+      removed = static_cast<int32_t>(removed + length);
+      text->deleteCharacters(TextRange{static_cast<size_t>(start), static_cast<size_t>(length)});
+      seams.push_back(static_cast<size_t>(start));
+    }
+    text->endEditing();
+  }
+  return tidyPlainText(text->characters(), std::move(seams));
+}
+
+}  // namespace zv

@@ -1,0 +1,51 @@
+// zv::NotificationCenter is the port behind UNUserNotificationCenter: the list of this
+// application's notifications that are still shown. Linux has no such list, so the real default is
+// an in-process list that the host, the CLI ("--delivered N") or a test presets; it starts empty.
+//
+// Queries are answered on a thread of the center's own, never on the caller's, one at a time and
+// in the order they were asked, with a snapshot of the list. An optional response delay lets a
+// test make the center answer late (after the notification was handed back). Destroying the
+// center answers the queries already asked first. Every operation is safe from any thread.
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+#include "platform/foundation/OperationQueue.h"
+#include "platform/notifications/UNNotification.h"
+
+namespace zv {
+
+class NotificationCenter {
+ public:
+  using Notifications = std::vector<std::shared_ptr<UNNotification>>;
+  using Completion = std::function<void(const Notifications& delivered)>;
+
+  NotificationCenter();
+
+  void setDeliveredNotifications(Notifications notifications);
+  void addDeliveredNotification(std::shared_ptr<UNNotification> notification);
+  // Replaces the list with count shown notifications of empty content, identified "shown-1",
+  // "shown-2", ..., delivered now.
+  void setShownCount(size_t count);
+  void setResponseDelay(std::chrono::milliseconds delay);
+
+  // Calls completion with the delivered notifications, later, on the center's thread.
+  void getDeliveredNotifications(Completion completion);
+
+ private:
+  // Shared with the queued answers, which may outlive the center by one answer when the center is
+  // released from inside a completion.
+  struct List {
+    std::mutex mutex;
+    Notifications delivered;
+    std::chrono::milliseconds delay{0};
+  };
+  std::shared_ptr<List> list_;
+  OperationQueue answers_;  // declared last: destroyed (and drained) first
+};
+
+}  // namespace zv

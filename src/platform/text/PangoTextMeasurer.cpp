@@ -1,0 +1,126 @@
+#include "platform/text/PangoTextMeasurer.h"
+
+#include <fmt/format.h>
+#include <pango/pangocairo.h>
+#include <strings.h>
+
+#include <algorithm>
+
+#include "platform/foundation/Exception.h"
+#include "platform/foundation/Platform.h"
+
+namespace zv {
+
+namespace {
+
+constexpr char kFontMissing[] = "TextMeasurerFontMissing";
+
+struct DescriptionDeleter {
+  void operator()(PangoFontDescription* d) const { pango_font_description_free(d); }
+};
+using Description = std::unique_ptr<PangoFontDescription, DescriptionDeleter>;
+
+Description describe(const Font& font) {
+  Description d(pango_font_description_new());
+  pango_font_description_set_family(d.get(), PangoTextMeasurer::kFamily);
+  pango_font_description_set_absolute_size(d.get(), std::max(font.size(), 0.0) * PANGO_SCALE);
+  pango_font_description_set_weight(d.get(),
+                                    static_cast<PangoWeight>(std::clamp(font.weight(), 100, 1000)));
+  pango_font_description_set_style(d.get(),
+                                   font.italic() ? PANGO_STYLE_ITALIC : PANGO_STYLE_NORMAL);
+  return d;
+}
+
+}  // namespace
+
+PangoTextMeasurer::PangoTextMeasurer() {
+  fontMap_ = pango_cairo_font_map_new();
+  context_ = pango_font_map_create_context(fontMap_);
+  cairo_font_options_t* options = cairo_font_options_create();
+  cairo_font_options_set_hint_style(options, CAIRO_HINT_STYLE_NONE);
+  cairo_font_options_set_hint_metrics(options, CAIRO_HINT_METRICS_OFF);
+  cairo_font_options_set_antialias(options, CAIRO_ANTIALIAS_GRAY);
+  pango_cairo_context_set_font_options(context_, options);
+  cairo_font_options_destroy(options);
+  pango_context_set_round_glyph_positions(context_, FALSE);
+  layout_ = pango_layout_new(context_);
+  pango_layout_set_wrap(layout_, PANGO_WRAP_WORD_CHAR);
+  try {
+    std::lock_guard lock(mutex_);
+    checkFace(Font::systemFont(17));
+  } catch (...) {
+    g_object_unref(layout_);
+    g_object_unref(context_);
+    g_object_unref(fontMap_);
+    throw;
+  }
+}
+
+PangoTextMeasurer::~PangoTextMeasurer() {
+  g_object_unref(layout_);
+  g_object_unref(context_);
+  g_object_unref(fontMap_);
+}
+
+std::string PangoTextMeasurer::resolvedFamilyLocked(const Font& font) {
+  Description wanted = describe(font);
+  PangoFont* face = pango_font_map_load_font(fontMap_, context_, wanted.get());
+  if (!face) return "";
+  Description got(pango_font_describe(face));
+  g_object_unref(face);
+  const char* family = pango_font_description_get_family(got.get());
+  return family ? family : "";
+}
+
+std::string PangoTextMeasurer::resolvedFamily(const Font& font) {
+  std::lock_guard lock(mutex_);
+  return resolvedFamilyLocked(font);
+}
+
+void PangoTextMeasurer::checkFace(const Font& font) {
+  auto key = std::make_pair(std::clamp(font.weight(), 100, 1000), font.italic());
+  if (checkedFaces_.count(key)) return;
+  std::string family = resolvedFamilyLocked(font);
+  if (strcasecmp(family.c_str(), kFamily) != 0) {
+    throw Exception(kFontMissing,
+                    fmt::format("The text measurer needs the font {} (Debian package fonts-inter), "
+                                "but fontconfig chose \"{}\" for {}",
+                                kFamily, family, font.description()));
+  }
+  checkedFaces_.insert(key);
+}
+
+TextSize PangoTextMeasurer::boundingSize(std::string_view text, const Font& font, double width) {
+  if (text.empty()) return {};
+  std::lock_guard lock(mutex_);
+  checkFace(font);
+  Description d = describe(font);
+  pango_layout_set_font_description(layout_, d.get());
+  pango_layout_set_width(layout_, width > 0 ? static_cast<int>(width * PANGO_SCALE) : -1);
+  // Pango needs valid UTF-8; broken bytes become U+FFFD rather than a warning and a cut text.
+  if (g_utf8_validate(text.data(), static_cast<gssize>(text.size()), nullptr)) {
+    pango_layout_set_text(layout_, text.data(), static_cast<int>(text.size()));
+  } else {
+    gchar* valid = g_utf8_make_valid(text.data(), static_cast<gssize>(text.size()));
+    pango_layout_set_text(layout_, valid, -1);
+    g_free(valid);
+  }
+  PangoRectangle logical;
+  pango_layout_get_extents(layout_, nullptr, &logical);
+  return TextSize{static_cast<double>(logical.width) / PANGO_SCALE,
+                  static_cast<double>(logical.height) / PANGO_SCALE};
+}
+
+#if defined(__SANITIZE_ADDRESS__)
+// Fontconfig keeps its configuration and caches until the process ends, by design: in sanitizer
+// builds, do not report them as leaks.
+extern "C" const char* __lsan_default_suppressions() { return "leak:libfontconfig.so\n"; }
+#endif
+
+std::shared_ptr<PangoTextMeasurer> installPangoTextMeasurer() {
+  auto measurer = std::make_shared<PangoTextMeasurer>();
+  Platform::shared().setTextMeasurer(measurer);
+  return measurer;
+}
+
+}  // namespace zv

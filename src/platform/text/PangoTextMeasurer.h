@@ -1,0 +1,62 @@
+// zv::PangoTextMeasurer is the real text measurer: Pango lays the text out with Cairo's font
+// options fixed (no hinting, unhinted metrics, glyph positions not rounded), so heights are the
+// same on every machine and do not depend on a screen. Whatever family a Font names, it is measured
+// in Inter (Debian's fonts-inter), which stands in for the system font; size, weight and italic
+// come from the Font. Sizes are pixels. Lines wrap at word boundaries and inside words longer than
+// the line; a width of 0 or less does not wrap. Glyphs that Inter lacks (emoji, scripts it does
+// not cover) come from whatever fontconfig falls back to.
+//
+// Construction fails loudly, raising zv::Exception "TextMeasurerFontMissing", when fontconfig does
+// not resolve Inter to Inter itself (the package is missing or a configuration substitutes it);
+// every new weight and style is checked the same way when first used.
+//
+// A content-side program installs it once, before the first view is laid out:
+//
+//     zv::installPangoTextMeasurer();   // Platform::shared().textMeasurer() is now this measurer
+//
+// It lives in the content library (zv_content): the service side never measures text.
+#pragma once
+
+#include <memory>
+#include <mutex>
+#include <set>
+#include <string>
+#include <utility>
+
+#include "platform/text/TextMeasurer.h"
+
+typedef struct _PangoFontMap PangoFontMap;
+typedef struct _PangoContext PangoContext;
+typedef struct _PangoLayout PangoLayout;
+
+namespace zv {
+
+class PangoTextMeasurer : public TextMeasurer {
+ public:
+  static constexpr const char* kFamily = "Inter";
+
+  PangoTextMeasurer();
+  ~PangoTextMeasurer() override;
+  PangoTextMeasurer(const PangoTextMeasurer&) = delete;
+  PangoTextMeasurer& operator=(const PangoTextMeasurer&) = delete;
+
+  TextSize boundingSize(std::string_view text, const Font& font, double width) override;
+  // The family that fontconfig resolved the font's face to ("Inter").
+  std::string resolvedFamily(const Font& font);
+
+ private:
+  std::string resolvedFamilyLocked(const Font& font);
+  void checkFace(const Font& font);
+
+  std::mutex mutex_;
+  PangoFontMap* fontMap_ = nullptr;
+  PangoContext* context_ = nullptr;
+  PangoLayout* layout_ = nullptr;
+  std::set<std::pair<int, bool>> checkedFaces_;  // weight, italic
+};
+
+// Makes a PangoTextMeasurer and installs it as the platform's text measurer; returns it. Raises
+// like the constructor when Inter is not available.
+std::shared_ptr<PangoTextMeasurer> installPangoTextMeasurer();
+
+}  // namespace zv

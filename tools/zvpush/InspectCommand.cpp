@@ -1,0 +1,150 @@
+// zvpush inspect PAYLOAD.json: how Zentrova reads a payload. Prints whether the notification is
+// processed, the envelope's fields, the rich push model, the media that would be downloaded and
+// every message the library logged while reading it, so a sender can see why a notification did
+// or did not show its rich content.
+#include <boost/json/array.hpp>
+#include <boost/json/object.hpp>
+#include <iostream>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "ArgParser.h"
+#include "Command.h"
+#include "JsonIO.h"
+#include "model/ZVPushAction.h"
+#include "model/ZVPushCard.h"
+#include "model/ZVPushPayload.h"
+#include "model/ZVPushWidget.h"
+#include "model/ZVRichNotifUtils.h"
+#include "model/ZVRichPush.h"
+#include "model/ZVRichPushMode.h"
+#include "platform/foundation/Exception.h"
+#include "platform/foundation/Log.h"
+#include "service/ZVMedia.h"
+#include "service/ZVRichNotificationHandler.h"
+
+namespace zvpush {
+namespace {
+
+namespace json = boost::json;
+
+// A property the payload did not give prints as null.
+json::value valueJson(const zv::Value& v) { return v.isNil() ? json::value(nullptr) : v.json(); }
+
+json::value colorJson(const zv::ColorRef& c) {
+  if (!c) return nullptr;
+  return json::array{c->red, c->green, c->blue, c->alpha};
+}
+
+template <class E>
+json::value number(E e) {
+  return static_cast<std::int64_t>(e);
+}
+
+json::array actionsJson(const std::vector<std::shared_ptr<zv::ZVPushAction>>& actions) {
+  json::array out;
+  for (const auto& a : actions) {
+    out.push_back(json::object{{"actionName", number(a->actionName)},
+                               {"actionType", number(a->actionType)},
+                               {"value", valueJson(a->value)},
+                               {"kvPairs", valueJson(a->kvPairs)}});
+  }
+  return out;
+}
+
+json::value widgetJson(const zv::ZVPushWidget& w) {
+  return json::object{{"type", number(w.type)},
+                      {"widgetId", w.widgetId},
+                      {"content", valueJson(w.content)},
+                      {"bgColor", colorJson(w.bgColor)},
+                      {"actions", actionsJson(w.actions)}};
+}
+
+json::value cardJson(const zv::ZVPushCard& c) {
+  json::array widgets;
+  for (const auto& w : c.widgets) widgets.push_back(widgetJson(*w));
+  return json::object{{"cardType", c.cardType},
+                      {"cardID", c.cardID},
+                      {"bgColor", colorJson(c.bgColor)},
+                      {"widgets", std::move(widgets)},
+                      {"actions", actionsJson(c.actions)}};
+}
+
+json::value modeJson(const std::shared_ptr<zv::ZVRichPushMode>& m) {
+  if (!m) return nullptr;
+  json::array cards;
+  for (const auto& c : m->cards) cards.push_back(cardJson(*c));
+  return json::object{{"templateType", number(m->templateType)},
+                      {"autoStart", m->autoStart},
+                      {"bgColor", colorJson(m->bgColor)},
+                      {"cards", std::move(cards)}};
+}
+
+json::value richPushJson(const std::shared_ptr<zv::ZVRichPush>& r) {
+  if (!r) return nullptr;
+  return json::object{{"title", valueJson(r->title)},
+                      {"subTitle", valueJson(r->subTitle)},
+                      {"body", valueJson(r->body)},
+                      {"category", valueJson(r->category)},
+                      {"sound", valueJson(r->sound)},
+                      {"templateDisplayName", valueJson(r->templateDisplayName)},
+                      {"expandedMode", modeJson(r->expandedMode)},
+                      {"defaultActions", actionsJson(r->defaultActions)}};
+}
+
+// What the service would download. A notification that is not processed downloads nothing. A
+// media value of the wrong kind raises; the service flow's guard would then log its message and
+// deliver the notification without attachments, which is what is shown here.
+json::array mediaJson(const std::shared_ptr<zv::ZVPushPayload>& payload) {
+  json::array out;
+  if (!payload->shouldProcessPushNotification()) return out;
+  try {
+    for (const auto& m :
+         zv::ZVRichNotificationHandler::sharedHandler().getMediaURLsFromPayload(payload)) {
+      out.push_back(json::object{
+          {"url", m->mediaURL ? json::value(m->mediaURL->absoluteString()) : json::value()},
+          {"mediaType", valueJson(m->mediaType)},
+          {"attachmentID", m->attachmentID ? json::value(*m->attachmentID) : json::value()},
+          {"fileName", m->getFileNameForMedia()}});
+    }
+  } catch (const zv::Exception& e) {
+    out.clear();
+    zv::ZVRichNotifUtils::logWithMessage("Exception in creating attachment Rich notification: " +
+                                         e.description());
+  }
+  return out;
+}
+
+int runInspect(const Args& args) {
+  ArgParser parser({}, {});
+  parser.parse(args);
+  if (parser.positional().size() != 1) throw UsageError("expected one PAYLOAD.json");
+  zv::Value payload = readJsonObject(parser.positional()[0]);
+
+  std::mutex mutex;
+  json::array log;
+  zv::log::setSinkReceiver([&](const std::string& m) {
+    std::lock_guard lock(mutex);
+    log.push_back(json::string(m));
+  });
+  auto envelope = zv::ZVPushPayload::initWithPushPayload(payload);
+  json::object out{{"process", envelope->shouldProcessPushNotification()},
+                   {"campaignID", valueJson(envelope->campaignID)},
+                   {"appId", valueJson(envelope->zovAppId)},
+                   {"mediaAttachment", valueJson(envelope->mediaAttachment)},
+                   {"mediaType", valueJson(envelope->mediaType)},
+                   {"richPush", richPushJson(envelope->richPush)}};
+  out["media"] = mediaJson(envelope);
+  zv::log::setSinkReceiver({});
+  out["log"] = std::move(log);
+  std::cout << pretty(out) << "\n";
+  return kOk;
+}
+
+}  // namespace
+
+ZVPUSH_COMMAND("inspect", "how Zentrova reads a payload: envelope, rich push, media and log",
+               "inspect PAYLOAD.json", runInspect);
+
+}  // namespace zvpush
