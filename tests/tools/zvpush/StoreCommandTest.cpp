@@ -27,7 +27,7 @@ Outcome zvpush(const std::string& args) {
   return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, out};
 }
 
-TEST(ZvpushStoreTest, WritesWhatTheExtensionsRead) {
+TEST(StoreCommandTest, WritesWhatTheExtensionsRead) {
   zvtest::TempDir dir;
   std::string store = "--store " + dir.path().string();
   std::string group = store + " --app-group group.cli ";
