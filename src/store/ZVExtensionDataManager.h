@@ -9,10 +9,13 @@
 #pragma once
 
 #include <boost/json/object.hpp>
+#include <boost/json/value.hpp>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "platform/foundation/Value.h"
 
@@ -61,6 +64,27 @@ class ZVExtensionDataManager {
 
  private:
   ZVExtensionDataManager() = default;
+
+  // The application id as a key of the suite: only a string id names a per-application
+  // dictionary; nullopt for nil and for ids of any other kind.
+  std::optional<std::string> appKey() const;
+  // The per-application dictionary (the suite's value under the application id when it is a
+  // dictionary), or nil.
+  static Value appDictionary(UserDefaults& suite, const std::optional<std::string>& key);
+  Value endpointValue(std::string_view key, Value fallback);
+  // The top-level "zov_params" when it is a dictionary (the sign that the host application has
+  // configured the store), else nil.
+  static Value queryParamsIn(UserDefaults& suite);
+  static Value pendingIn(UserDefaults& suite, const std::optional<std::string>& key);
+  // Edits the pending list where it lives (the per-application dictionary when there is one, else
+  // the top level) in place; edit receives null when there is no list yet.
+  static void editPending(UserDefaults& suite, const std::optional<std::string>& key,
+                          const std::function<void(boost::json::value& list)>& edit);
+  static Value eventsIn(UserDefaults& suite, const std::string& key);
+  // Edits the event list of the per-application dictionary in place, making the dictionary when
+  // there is none; edit receives null when there is no list yet.
+  static void editEvents(UserDefaults& suite, const std::string& key,
+                         const std::function<void(boost::json::value& events)>& edit);
 
   mutable std::mutex mutex_;
   Value currentAppID_;
