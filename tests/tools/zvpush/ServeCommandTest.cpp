@@ -1,9 +1,7 @@
 #include <gtest/gtest.h>
 #include <httplib.h>
 #include <signal.h>
-#include <spawn.h>
 #include <sys/wait.h>
-#include <unistd.h>
 
 #include <chrono>
 #include <cstdio>
@@ -17,39 +15,24 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// "zvpush serve ARGS" as a child process; the first line it printed, and its port.
+// "zvpush serve ARGS" as a child process (the shell execs it, keeping the pid it printed); the
+// first line the server printed, and its port.
 class Serve {
  public:
-  explicit Serve(std::vector<std::string> args) {
-    args.insert(args.begin(), {ZVPUSH_PATH, "serve"});
-    std::vector<char*> argv;
-    for (auto& a : args) argv.push_back(a.data());
-    argv.push_back(nullptr);
-    int out[2];
-    EXPECT_EQ(pipe(out), 0);
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, out[1], 1);
-    posix_spawn_file_actions_addclose(&actions, out[0]);
-    EXPECT_EQ(posix_spawn(&pid_, ZVPUSH_PATH, &actions, nullptr, argv.data(), environ), 0);
-    posix_spawn_file_actions_destroy(&actions);
-    close(out[1]);
-    stdout_ = fdopen(out[0], "r");
-    char line[256] = {};
-    if (std::fgets(line, sizeof line, stdout_)) firstLine = line;
-    auto colon = firstLine.rfind(':');
-    port = colon == std::string::npos ? 0 : std::atoi(firstLine.c_str() + colon + 1);
+  explicit Serve(const std::string& args) {
+    out_ = popen(("echo $$; exec " ZVPUSH_PATH " serve " + args).c_str(), "r");
+    pid_ = std::stoi(line());
+    firstLine = line();
+    port = std::atoi(firstLine.c_str() + firstLine.rfind(':') + 1);
   }
   ~Serve() {
-    if (pid_ > 0) stop(SIGTERM);
-    std::fclose(stdout_);
+    if (out_) stop(SIGTERM);
   }
   // Sends a signal and returns the exit code.
   int stop(int signal) {
     kill(pid_, signal);
-    int status = 0;
-    waitpid(pid_, &status, 0);
-    pid_ = 0;
+    int status = pclose(out_);
+    out_ = nullptr;
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
   }
 
@@ -57,8 +40,12 @@ class Serve {
   int port = 0;
 
  private:
-  pid_t pid_ = 0;
-  std::FILE* stdout_ = nullptr;
+  std::string line() {
+    char buffer[256] = {};
+    return std::fgets(buffer, sizeof buffer, out_) ? buffer : "";
+  }
+  std::FILE* out_;
+  pid_t pid_;
 };
 
 class ServeCommandTest : public ::testing::Test {
@@ -75,7 +62,7 @@ class ServeCommandTest : public ::testing::Test {
 };
 
 TEST_F(ServeCommandTest, ServesFilesUnderTheRootAndNothingElse) {
-  Serve serve({"--root", root(), "--port", "0"});
+  Serve serve("--root " + root() + " --port 0");
   ASSERT_EQ(serve.firstLine, "listening on http://127.0.0.1:" + std::to_string(serve.port) + "\n");
   httplib::Client client("127.0.0.1", serve.port);
   struct Case {
@@ -108,7 +95,7 @@ TEST_F(ServeCommandTest, ServesFilesUnderTheRootAndNothingElse) {
 
 TEST_F(ServeCommandTest, RecordsEveryPostAsOneJsonLine) {
   fs::path reports = dir.path() / "reports.jsonl";
-  Serve serve({"--root", root(), "--reports", reports.string()});
+  Serve serve("--root " + root() + " --reports " + reports.string());
   httplib::Client client("127.0.0.1", serve.port);
   auto res = client.Post("/v2/report/add/K1", {{"X-ZENTROVA-APP-KEY", "K1"}},
                          R"({"viewsCount":1,"viewsInfo":[{"N_I_E":1}]})", "application/json");
@@ -129,8 +116,8 @@ TEST_F(ServeCommandTest, RecordsEveryPostAsOneJsonLine) {
 
 TEST_F(ServeCommandTest, ServesHttpsAndDelaysEveryAnswer) {
   const auto& tls = zvtest::testTlsFiles();
-  Serve serve({"--root", root(), "--tls-cert", tls.serverCert.string(), "--tls-key",
-               tls.serverKey.string(), "--latency", "200"});
+  Serve serve("--root " + root() + " --tls-cert " + tls.serverCert.string() + " --tls-key " +
+              tls.serverKey.string() + " --latency 200");
   EXPECT_EQ(serve.firstLine.rfind("listening on https://127.0.0.1:", 0), 0u);
   httplib::SSLClient client("127.0.0.1", serve.port);
   client.set_ca_cert_path(tls.caCert.c_str());
