@@ -9,9 +9,13 @@
 #include "model/ZVPushWidget.h"
 #include "model/ZVRichPush.h"
 #include "model/ZVRichPushMode.h"
+#include "platform/foundation/OperationQueue.h"
 #include "service/ZVMedia.h"
 
 namespace zv {
+
+ZVRichNotificationHandler::ZVRichNotificationHandler()
+    : imageDownloadOperationQueue(std::make_shared<OperationQueue>()) {}
 
 ZVRichNotificationHandler& ZVRichNotificationHandler::sharedHandler() {
   static ZVRichNotificationHandler* handler = new ZVRichNotificationHandler();

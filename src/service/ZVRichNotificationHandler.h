@@ -1,9 +1,15 @@
 // ZVRichNotificationHandler is the process-wide worker of the notification-service extension: the
-// facade forwards every request to it. It collects the media that a Zentrova payload names (the
-// image widgets of the expanded template's cards, else the one top-level media URL) as ZVMedia
-// items to download and attach.
+// facade forwards every request to it. For a Zentrova notification it applies the badge rule,
+// rewrites the visible content and the tap actions from the rich push, records the notification and
+// its events in the app-group store, downloads the media side by side and attaches them, reports
+// the events, and only then hands the content back. Foreign notifications pass through unchanged.
+//
+// The request flow starts on the caller's thread, continues on the URL session's delegate thread
+// when there are downloads, and ends in the report's completion. Every stage runs inside a guard
+// that catches zv::Exception, logs a fixed message and still delivers the content.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -11,11 +17,48 @@ namespace zv {
 
 class ZVMedia;
 class ZVPushPayload;
+class ZVRichPush;
+class OperationQueue;
+class UNNotificationRequest;
+class UNNotificationContent;
+class UNMutableNotificationContent;
+class UNNotificationAttachment;
 
 class ZVRichNotificationHandler {
  public:
   // The one handler of the process, created on first use and never released.
   static ZVRichNotificationHandler& sharedHandler();
+
+  using ContentHandler = std::function<void(const std::shared_ptr<UNNotificationContent>& content)>;
+  using Attachments = std::vector<std::shared_ptr<UNNotificationAttachment>>;
+
+  // The full service flow; the content handler receives the working content (a mutable copy of the
+  // request's content) once the report has finished, failed or been skipped.
+  void handleRichNotificationRequest(const std::shared_ptr<UNNotificationRequest>& request,
+                                     ContentHandler contentHandler);
+  // The same rewriting and attachments without store or reporting.
+  void getLocalNotificationContentForRequest(const std::shared_ptr<UNNotificationRequest>& request,
+                                             ContentHandler completionHandler);
+  // A badge of exactly 1 becomes the number of delivered notifications plus one, whenever the
+  // notification center answers (not awaited).
+  void updateBadgeWithNotificationContent(
+      const std::shared_ptr<UNMutableNotificationContent>& content);
+  // Title, subtitle, body (plain text of the HTML), sound and category, in the content and in the
+  // user info's "aps".
+  void updateNotificationContent(const std::shared_ptr<UNMutableNotificationContent>& content,
+                                 const std::shared_ptr<ZVRichPush>& richPush);
+  // The default tap actions, written into the user info's "zentrova" and "app_extra".
+  void updateNotificationDefaultActions(
+      const std::shared_ptr<UNMutableNotificationContent>& content,
+      const std::shared_ptr<ZVRichPush>& richPush);
+  // Downloads every media item of the payload side by side; completion receives the attachments
+  // made, in the order the downloads finished (an empty list when there is nothing to download, at
+  // once on the caller's thread).
+  void getAttachmentsForNotification(const std::shared_ptr<ZVPushPayload>& payload,
+                                     std::function<void(const Attachments&)> completion);
+
+  // The queue each media download is started from; its width is set per request.
+  std::shared_ptr<OperationQueue> imageDownloadOperationQueue;
 
   // The media to download for a payload, in payload order, each URL once (the first occurrence
   // wins). When the rich push has a card list (even an empty one), only the cards' image widgets
@@ -28,7 +71,7 @@ class ZVRichNotificationHandler {
   ZVRichNotificationHandler& operator=(const ZVRichNotificationHandler&) = delete;
 
  private:
-  ZVRichNotificationHandler() = default;
+  ZVRichNotificationHandler();
 };
 
 }  // namespace zv

@@ -1,0 +1,32 @@
+#include "service/ZVRichNotification.h"
+
+#include "store/ZVExtensionDataManager.h"
+
+namespace zv {
+
+void ZVRichNotification::handleRichNotificationRequest(
+    const std::shared_ptr<UNNotificationRequest>& request,
+    ZVRichNotificationHandler::ContentHandler handler) {
+  ZVRichNotificationHandler::sharedHandler().handleRichNotificationRequest(request,
+                                                                           std::move(handler));
+}
+
+void ZVRichNotification::getLocalNotificationContentForRequest(
+    const std::shared_ptr<UNNotificationRequest>& request,
+    ZVRichNotificationHandler::ContentHandler completionHandler) {
+  ZVRichNotificationHandler::sharedHandler().getLocalNotificationContentForRequest(
+      request, std::move(completionHandler));
+}
+
+void ZVRichNotification::setAppGroupID(const std::optional<std::string>& appGroupID) {
+  ZVExtensionDataManager::sharedManager().setAppGroupID(appGroupID);
+}
+
+void ZVRichNotification::updateBadgeWithNotificationContent(
+    const std::shared_ptr<UNMutableNotificationContent>& content) {
+  ZVRichNotificationHandler::sharedHandler().updateBadgeWithNotificationContent(content);
+}
+
+void ZVRichNotification::enableDebugging(bool) {}
+
+}  // namespace zv

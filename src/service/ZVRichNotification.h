@@ -1,0 +1,27 @@
+// ZVRichNotification is the public facade that a host application's notification-service
+// extension calls. It holds no state: each operation forwards to the process-wide handler or store.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "service/ZVRichNotificationHandler.h"
+
+namespace zv {
+
+class ZVRichNotification {
+ public:
+  static void handleRichNotificationRequest(const std::shared_ptr<UNNotificationRequest>& request,
+                                            ZVRichNotificationHandler::ContentHandler handler);
+  static void getLocalNotificationContentForRequest(
+      const std::shared_ptr<UNNotificationRequest>& request,
+      ZVRichNotificationHandler::ContentHandler completionHandler);
+  static void setAppGroupID(const std::optional<std::string>& appGroupID);
+  static void updateBadgeWithNotificationContent(
+      const std::shared_ptr<UNMutableNotificationContent>& content);
+  // Exists for the host application and deliberately does nothing.
+  static void enableDebugging(bool enabled);
+};
+
+}  // namespace zv

@@ -1,0 +1,117 @@
+#include "service/ServiceFlowFixture.h"
+
+#include <chrono>
+#include <future>
+
+#include "platform/defaults/UserDefaults.h"
+#include "platform/foundation/Platform.h"
+#include "platform/notifications/NotificationCenter.h"
+#include "platform/notifications/UNNotificationContent.h"
+#include "platform/notifications/UNNotificationRequest.h"
+#include "service/ZVRichNotification.h"
+#include "store/ZVExtensionDataManager.h"
+
+namespace zvtest {
+
+namespace json = boost::json;
+
+std::string sampleMedia(const std::string& name) {
+  return readFile(std::filesystem::path(ZV_SOURCE_DIR) / "tests" / "data" / "media" / name);
+}
+
+void ServiceFlowFixture::SetUp() {
+  auto& platform = zv::Platform::shared();
+  platform.setStoreDirectory(dir.path() / "store");
+  std::filesystem::create_directories(dir.path() / "tmp");
+  platform.setTemporaryDirectory(dir.path() / "tmp");
+  platform.setBundleIdentifier("com.zentrova.tests.service");
+  center = std::make_shared<zv::NotificationCenter>();
+  platform.setNotificationCenter(center);
+  zv::ZVRichNotification::setAppGroupID(kAppGroup);
+  // Configured as the host application does: query parameters and the reports endpoint.
+  suite = zv::UserDefaults::initWithSuiteName(kAppGroup);
+  suite->setObject(json::object{{"sdk", "cpp"}, {"device", "test"}}, "zov_params");
+  suite->setObject(zv::Value("127.0.0.1"), "zov_reports_host");
+  suite->setObject(zv::Value("http"), "zov_reports_scheme");
+  suite->setObject(json::value(server.port()), "zov_reports_port");
+}
+
+void ServiceFlowFixture::TearDown() { zv::Platform::shared().setNotificationCenter(nullptr); }
+
+std::shared_ptr<zv::UNNotificationContent> ServiceFlowFixture::run(const json::object& p,
+                                                                   bool contentOnly) {
+  auto request = zv::UNNotificationRequest::requestWithRemoteNotification("req-1", zv::Value(p));
+  auto promise = std::make_shared<std::promise<std::shared_ptr<zv::UNNotificationContent>>>();
+  auto future = promise->get_future();
+  auto calls = std::make_shared<std::atomic<int>>(0);
+  auto handler = [promise, calls](const std::shared_ptr<zv::UNNotificationContent>& content) {
+    if (calls->fetch_add(1) == 0) promise->set_value(content);
+  };
+  if (contentOnly) {
+    zv::ZVRichNotification::getLocalNotificationContentForRequest(request, handler);
+  } else {
+    zv::ZVRichNotification::handleRichNotificationRequest(request, handler);
+  }
+  if (future.wait_for(std::chrono::seconds(20)) != std::future_status::ready) {
+    ADD_FAILURE() << "the content handler was not called";
+    return nullptr;
+  }
+  // A second call would come right after the first; give it a moment to show.
+  std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  handlerCalls = calls->load();
+  return future.get();
+}
+
+json::object ServiceFlowFixture::payload(const json::value& rich) const {
+  json::object p{
+      {"aps", json::object{{"alert", json::object{{"title", "Sent title"},
+                                                  {"subtitle", "Sent subtitle"},
+                                                  {"body", "Sent body"}}},
+                           {"sound", "sent.caf"},
+                           {"category", "SENT"}}},
+      {"zentrova", json::object{{"cid", "cmp-1"}, {"app_id", kAppId}, {"campaign", "spring"}}},
+      {"app_extra", json::object{{"screenName", "old"}, {"keep", 1}}},
+  };
+  if (!rich.is_null()) p["zovFeatures"] = json::object{{"richPush", rich}};
+  return p;
+}
+
+json::object ServiceFlowFixture::richPush(const std::vector<std::string>& imageUrls,
+                                          const std::string& templateType) {
+  json::array cards;
+  int id = 1;
+  for (const auto& url : imageUrls) {
+    cards.push_back(json::object{
+        {"id", id},
+        {"widgets", json::array{json::object{{"id", id}, {"type", "image"}, {"content", url}}}}});
+    ++id;
+  }
+  return json::object{{"title", "<b>Rich</b> title"},
+                      {"body", "Rich &amp; body"},
+                      {"displayName", "T1"},
+                      {"expanded", json::object{{"type", templateType}, {"cards", cards}}}};
+}
+
+zv::Value ServiceFlowFixture::storedEvents() const {
+  zv::Value perApp = suite->objectForKey(kAppId);
+  return perApp.isObject() ? perApp.get("zov_events") : zv::Value();
+}
+
+zv::Value ServiceFlowFixture::pendingNotifications() const {
+  zv::Value perApp = suite->objectForKey(kAppId);
+  return perApp.isObject() ? perApp.get("zov_pending_notifications") : zv::Value();
+}
+
+std::vector<LocalServer::Request> ServiceFlowFixture::requests(const std::string& method) const {
+  std::vector<LocalServer::Request> out;
+  for (auto& r : server.requests()) {
+    if (r.method == method) out.push_back(r);
+  }
+  return out;
+}
+
+void ServiceFlowFixture::servePng(const std::string& path) {
+  server.addFile(path, sampleMedia("sample.png"), "image/png");
+}
+
+}  // namespace zvtest

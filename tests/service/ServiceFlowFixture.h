@@ -1,0 +1,61 @@
+// A test fixture that runs the service flow against real components: a store in a temporary
+// folder configured as the host application would, a local HTTP server that serves media and
+// receives the reports, and a notification center preset with delivered notifications.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <boost/json.hpp>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/foundation/Value.h"
+#include "support/LocalServer.h"
+#include "support/TestSupport.h"
+
+namespace zv {
+class UNNotificationContent;
+class UserDefaults;
+class NotificationCenter;
+}  // namespace zv
+
+namespace zvtest {
+
+class ServiceFlowFixture : public ::testing::Test {
+ protected:
+  static constexpr char kAppGroup[] = "group.com.zentrova.tests";
+  static constexpr char kAppId[] = "app-123";
+
+  void SetUp() override;
+  void TearDown() override;
+
+  // Runs the full flow (or the content-only flow) and returns the content handed back, failing the
+  // test when the handler is not called within 20 seconds. handlerCalls counts every call.
+  std::shared_ptr<zv::UNNotificationContent> run(const boost::json::object& payload,
+                                                 bool contentOnly = false);
+  // A Zentrova payload: "aps" with an alert dictionary, "zentrova" with cid and app id, and the
+  // given rich push (omitted when null).
+  boost::json::object payload(const boost::json::value& richPush = nullptr) const;
+  // A rich push of the given template whose cards hold one image widget for each URL.
+  static boost::json::object richPush(const std::vector<std::string>& imageUrls,
+                                      const std::string& templateType = "imageCarousel");
+  // Events and pending notifications as stored for kAppId.
+  zv::Value storedEvents() const;
+  zv::Value pendingNotifications() const;
+  std::vector<LocalServer::Request> requests(const std::string& method) const;
+  // Serves a real PNG file under path.
+  void servePng(const std::string& path);
+
+  TempDir dir;
+  LocalServer server;
+  LogCapture logs;
+  std::shared_ptr<zv::UserDefaults> suite;
+  std::shared_ptr<zv::NotificationCenter> center;
+  int handlerCalls = 0;
+};
+
+// The bytes of a small real file under tests/data/media ("sample.png", ...).
+std::string sampleMedia(const std::string& name);
+
+}  // namespace zvtest

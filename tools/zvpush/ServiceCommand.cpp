@@ -1,0 +1,120 @@
+// zvpush service: runs the notification-service flow on one remote-notification payload and prints
+// the content handed to the content handler, as one JSON object.
+#include <boost/json.hpp>
+#include <chrono>
+#include <condition_variable>
+#include <cstdio>
+#include <iostream>
+#include <mutex>
+#include <random>
+
+#include "ArgParser.h"
+#include "Command.h"
+#include "JsonIO.h"
+#include "platform/foundation/Log.h"
+#include "platform/foundation/Platform.h"
+#include "platform/notifications/NotificationCenter.h"
+#include "platform/notifications/UNMutableNotificationContent.h"
+#include "platform/notifications/UNNotificationAttachment.h"
+#include "platform/notifications/UNNotificationRequest.h"
+#include "platform/notifications/UNNotificationSound.h"
+#include "service/ZVRichNotification.h"
+
+namespace zvpush {
+
+namespace {
+
+namespace json = boost::json;
+
+// The CLI's standard store is one fixed suite, as one installed extension would have.
+constexpr char kBundleIdentifier[] = "com.zentrova.zvpush.service";
+
+std::string randomIdentifier() {
+  std::random_device rd;
+  std::uniform_int_distribution<int> hex(0, 15);
+  std::string id = "zvpush-";
+  for (int i = 0; i < 16; ++i) id.push_back("0123456789abcdef"[hex(rd)]);
+  return id;
+}
+
+json::value describe(const zv::UNNotificationContent& c, const std::string& identifier) {
+  json::object out;
+  out["identifier"] = identifier;
+  out["title"] = c.title();
+  out["subtitle"] = c.subtitle();
+  out["body"] = c.body();
+  zv::Value badge = c.badge();
+  out["badge"] = badge.isNil() ? json::value(nullptr) : badge.json();
+  auto sound = c.sound();
+  if (!sound) {
+    out["sound"] = nullptr;
+  } else if (sound->isDefault()) {
+    out["sound"] = "default";
+  } else {
+    out["sound"] = json::object{{"named", sound->name()}};
+  }
+  out["categoryIdentifier"] = c.categoryIdentifier();
+  out["userInfo"] = c.userInfo().json();
+  json::array attachments;
+  for (const auto& a : c.attachments()) {
+    attachments.push_back(
+        json::object{{"identifier", a->identifier()}, {"url", a->URL().absoluteString()}});
+  }
+  out["attachments"] = std::move(attachments);
+  return out;
+}
+
+int run(const Args& args) {
+  ArgParser p({"--store", "--app-group", "--delivered", "--tmp", "--ca-file", "--id"},
+              {"--content-only", "--log"});
+  p.parse(args);
+  if (p.positional().size() != 1) throw UsageError("expected one PAYLOAD.json");
+  zv::Value payload = readJsonObject(p.positional()[0]);
+
+  auto& platform = zv::Platform::shared();
+  platform.setBundleIdentifier(kBundleIdentifier);
+  if (auto dir = p.value("--store")) platform.setStoreDirectory(*dir);
+  if (auto dir = p.value("--tmp")) platform.setTemporaryDirectory(*dir);
+  if (auto ca = p.value("--ca-file")) platform.setExtraCaFile(*ca);
+  if (auto n = p.number("--delivered")) {
+    if (*n < 0 || *n != static_cast<long>(*n)) throw UsageError("--delivered needs a count");
+    platform.notificationCenter()->setShownCount(static_cast<size_t>(*n));
+  }
+  if (p.flag("--log")) {
+    zv::log::setSinkReceiver([](const std::string& m) { std::fprintf(stderr, "%s\n", m.c_str()); });
+  }
+  if (auto group = p.value("--app-group")) zv::ZVRichNotification::setAppGroupID(*group);
+
+  std::string identifier = p.value("--id").value_or(randomIdentifier());
+  auto request = zv::UNNotificationRequest::requestWithRemoteNotification(identifier, payload);
+
+  // The content is described at the moment the handler receives it: a badge that lands later is
+  // lost, as it would be on the phone.
+  std::mutex mutex;
+  std::condition_variable delivered;
+  std::optional<json::value> result;
+  auto handler = [&](const std::shared_ptr<zv::UNNotificationContent>& content) {
+    json::value v = describe(*content, identifier);
+    std::lock_guard lock(mutex);
+    if (!result) result = std::move(v);
+    delivered.notify_all();
+  };
+  if (p.flag("--content-only")) {
+    zv::ZVRichNotification::getLocalNotificationContentForRequest(request, handler);
+  } else {
+    zv::ZVRichNotification::handleRichNotificationRequest(request, handler);
+  }
+  std::unique_lock lock(mutex);
+  delivered.wait(lock, [&] { return result.has_value(); });
+  std::cout << pretty(*result) << std::endl;
+  return kOk;
+}
+
+}  // namespace
+
+ZVPUSH_COMMAND("service", "run the notification-service flow on a payload",
+               "service PAYLOAD.json [--store DIR] [--app-group ID] [--delivered N] "
+               "[--content-only] [--tmp DIR] [--ca-file PEM] [--id ID] [--log]",
+               run);
+
+}  // namespace zvpush
