@@ -16,7 +16,11 @@
 #include "platform/foundation/Exception.h"
 #include "platform/foundation/Log.h"
 #include "platform/text/HtmlImporter.h"
+#ifdef ZVPUSH_CONTENT
 #include "platform/text/PangoTextMeasurer.h"
+#else
+#include "ContentProgram.h"
+#endif
 #include "platform/text/StyledText.h"
 #include "platform/text/Utf16.h"
 
@@ -78,6 +82,10 @@ int run(const Args& args) {
     throw UsageError("--measure prints a height: it takes neither --plain nor --styled");
   }
   if (width && !(*width > 0 && *width < 1e7)) throw UsageError("--measure needs a width above 0");
+#ifndef ZVPUSH_CONTENT
+  // Measuring needs the content side's fonts: zvpush-content does it (stdin still unread).
+  if (width) return runContentProgram("html", args);
+#endif
   const std::string html = readInput(path);
   const bool dark = p.flag("--dark");
 
@@ -85,12 +93,14 @@ int run(const Args& args) {
     auto text = styled(html, dark, path);
     // The body view measures the label's text in the font of its first character.
     zv::Font font = text->fontAt(0).value_or(zv::Font::systemFont(17));
+#ifdef ZVPUSH_CONTENT
     try {
       zv::installPangoTextMeasurer();
     } catch (const zv::Exception& e) {
       std::cerr << "zvpush: " << e.reason() << "\n";
       return kFailure;
     }
+#endif
     double height = zv::ZVRichNotifUtils::getHeightForText(text->string(), *width, font);
     std::cout << pretty(json::object{{"text", text->string()},
                                      {"width", *width},

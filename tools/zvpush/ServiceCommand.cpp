@@ -4,6 +4,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <cstdio>
+#include <filesystem>
 #include <iostream>
 #include <mutex>
 #include <random>
@@ -73,8 +74,8 @@ int run(const Args& args) {
 
   auto& platform = zv::Platform::shared();
   platform.setBundleIdentifier(kBundleIdentifier);
-  if (auto dir = p.value("--store")) platform.setStoreDirectory(*dir);
-  if (auto dir = p.value("--tmp")) platform.setTemporaryDirectory(*dir);
+  if (auto dir = p.value("--store")) platform.setStoreDirectory(std::filesystem::absolute(*dir));
+  if (auto dir = p.value("--tmp")) platform.setTemporaryDirectory(std::filesystem::absolute(*dir));
   if (auto ca = p.value("--ca-file")) platform.setExtraCaFile(*ca);
   if (auto n = p.number("--delivered")) {
     if (*n < 0 || *n != static_cast<long>(*n)) throw UsageError("--delivered needs a count");

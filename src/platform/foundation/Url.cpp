@@ -56,7 +56,10 @@ Url Url::fileUrl(const std::filesystem::path& path) {
   boost::urls::url u;
   u.set_scheme("file");
   u.set_encoded_host("");
-  u.set_path(path.string());
+  // A relative path is taken from the current directory, as the phone's file URLs are.
+  std::error_code ec;
+  std::filesystem::path absolute = path.is_absolute() ? path : std::filesystem::absolute(path, ec);
+  u.set_path((ec ? path : absolute).string());
   return Url(std::move(u));
 }
 

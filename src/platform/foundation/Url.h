@@ -17,7 +17,7 @@ class Url {
   // Parses an absolute URL or a relative reference as written; nullopt when the text is not a valid
   // URL reference (a raw space, a lone "%", a non-ASCII character, ...).
   static std::optional<Url> parse(std::string_view text);
-  // The file URL ("file:///...") of an absolute local path.
+  // The file URL ("file:///...") of a local path; a relative path is made absolute first.
   static Url fileUrl(const std::filesystem::path& path);
   // A URL from components, as URL components build one: the scheme, host and path are encoded as
   // needed; a port is written when given. Raises zv::Exception when the scheme holds characters a

@@ -60,6 +60,7 @@ TEST(UrlTest, Components) {
   EXPECT_FALSE(Url::fromComponents("https", "h", std::nullopt, "relative"));
   EXPECT_THROW(Url::fromComponents("ht tp", "h", std::nullopt, "/"), Exception);
   EXPECT_EQ(Url::fileUrl("/tmp/a b.png").absoluteString(), "file:///tmp/a%20b.png");
+  EXPECT_EQ(Url::fileUrl("rel/x.png").filePath(), std::filesystem::current_path() / "rel/x.png");
 }
 
 TEST(UrlTest, Md5MatchesRfc1321Vectors) {
