@@ -37,6 +37,7 @@ LocalServer::LocalServer(Scheme scheme) : scheme_(scheme) {
   // waits for idle connections to time out: enough workers for many parallel clients, and a short
   // keep-alive so that a test ends quickly even when its client still holds a connection.
   server_->new_task_queue = [] { return new httplib::ThreadPool(kWorkers); };
+  server_->set_tcp_nodelay(true);  // no delayed-acknowledgement stall on reused connections
   server_->set_keep_alive_timeout(1);
   server_->set_keep_alive_max_count(1000);
   installRoutes();

@@ -3,7 +3,9 @@
 // reports path is /v2/report/add/<app key>) answers 200 and appends {"appKey", "path", "body"} as
 // one JSON line to --reports FILE or to stdout. The first line printed is "listening on URL".
 // SIGINT and SIGTERM stop the server; the exit code is then 0.
+#ifdef ZVPUSH_CONTENT
 #include <httplib.h>
+#endif
 #include <pthread.h>
 #include <signal.h>
 
@@ -24,11 +26,14 @@
 
 #include "ArgParser.h"
 #include "Command.h"
+#include "ContentProgram.h"
 #include "platform/foundation/Url.h"
 
 namespace zvpush {
 
 namespace {
+
+#ifdef ZVPUSH_CONTENT
 
 namespace fs = std::filesystem;
 namespace json = boost::json;
@@ -85,6 +90,9 @@ class Server {
   void install(httplib::Server& http) {
     http.new_task_queue = [] { return new httplib::ThreadPool(kWorkers); };
     http.set_keep_alive_timeout(2);
+    // Headers and body go out in separate writes: without this, a reused connection waits for the
+    // client's delayed acknowledgement (about 40 ms) before the body.
+    http.set_tcp_nodelay(true);
     http.set_pre_routing_handler([this](const httplib::Request&, httplib::Response&) {
       if (latency_.count() > 0) {
         std::unique_lock lock(mutex_);
@@ -216,6 +224,12 @@ int run(const Args& args) {
   waiter.join();
   return kOk;
 }
+
+#else
+// The server is a tool for trying payloads, not part of the extensions: it lives in zvpush-content
+// so that zvpush, in which the service extension runs, does not load the HTTP server library.
+int run(const Args& args) { return runContentProgram("serve", args); }
+#endif
 
 }  // namespace
 
