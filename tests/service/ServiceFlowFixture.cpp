@@ -8,6 +8,7 @@
 #include "platform/notifications/NotificationCenter.h"
 #include "platform/notifications/UNNotificationContent.h"
 #include "platform/notifications/UNNotificationRequest.h"
+#include "reporting/ZVExtensionNetworkManager.h"
 #include "service/ZVRichNotification.h"
 #include "store/ZVExtensionDataManager.h"
 
@@ -36,7 +37,13 @@ void ServiceFlowFixture::SetUp() {
   suite->setObject(json::value(server.port()), "zov_reports_port");
 }
 
-void ServiceFlowFixture::TearDown() { zv::Platform::shared().setNotificationCenter(nullptr); }
+void ServiceFlowFixture::TearDown() {
+  zv::Platform::shared().setNotificationCenter(nullptr);
+  // A new session for the next test: closing this one's kept-alive connections lets the server
+  // stop at once.
+  zv::ZVExtensionNetworkManager::sharedManager().setNetworkSession(nullptr);
+  zv::Platform::shared().setUrlSession(nullptr);
+}
 
 std::shared_ptr<zv::UNNotificationContent> ServiceFlowFixture::run(const json::object& p,
                                                                    bool contentOnly) {

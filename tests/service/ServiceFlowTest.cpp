@@ -9,10 +9,12 @@
 #include "platform/defaults/UserDefaults.h"
 #include "platform/foundation/Md5.h"
 #include "platform/foundation/Platform.h"
+#include "platform/net/UrlSession.h"
 #include "platform/notifications/NotificationCenter.h"
 #include "platform/notifications/UNNotificationAttachment.h"
 #include "platform/notifications/UNNotificationContent.h"
 #include "platform/notifications/UNNotificationSound.h"
+#include "reporting/ZVExtensionNetworkManager.h"
 #include "service/ServiceFlowFixture.h"
 
 namespace zvtest {
@@ -216,6 +218,35 @@ TEST_F(ServiceFlowTest, FailedDownloadsLeaveNoAttachmentAndStillDeliver) {
     EXPECT_EQ(capture.system(), std::vector<std::string>{"Attachment Download failure"}) << path;
     EXPECT_EQ(handlerCalls, 1);
   }
+}
+
+TEST_F(ServiceFlowTest, AttachmentsComeInTheOrderTheDownloadsFinished) {
+  server.addFile("/slow.png", sampleMedia("sample.png"), "image/png",
+                 std::chrono::milliseconds(400));
+  servePng("/fast.png");
+  std::string slow = server.url("/slow.png"), fast = server.url("/fast.png");
+  auto content = run(payload(richPush({slow, fast})));
+  ASSERT_TRUE(content);
+  auto attachments = content->attachments();
+  ASSERT_EQ(attachments.size(), 2u);
+  EXPECT_EQ(attachments[0]->identifier(), idOf(fast));
+  EXPECT_EQ(attachments[1]->identifier(), idOf(slow));
+}
+
+TEST_F(ServiceFlowTest, AServerSlowerThanTheTimeOutCountsAsFailed) {
+  zv::UrlSessionConfiguration config;
+  config.timeoutIntervalForRequest = 0.3;
+  auto& manager = zv::ZVExtensionNetworkManager::sharedManager();
+  manager.setNetworkSession(zv::UrlSession::sessionWithConfiguration(config));
+  server.addFile("/late.png", sampleMedia("sample.png"), "image/png",
+                 std::chrono::milliseconds(3000));
+  servePng("/good.png");
+  auto content = run(payload(richPush({server.url("/late.png"), server.url("/good.png")})));
+  manager.setNetworkSession(nullptr);
+  ASSERT_TRUE(content);
+  ASSERT_EQ(content->attachments().size(), 1u);
+  EXPECT_EQ(content->attachments()[0]->identifier(), idOf(server.url("/good.png")));
+  EXPECT_EQ(requests("POST").size(), 1u);  // the report still went out
 }
 
 TEST_F(ServiceFlowTest, AnUnwritableTemporaryFolderGivesNoAttachments) {

@@ -62,9 +62,10 @@ std::string LocalServer::url(std::string_view path) const {
          std::to_string(port_) + std::string(path);
 }
 
-void LocalServer::addFile(const std::string& path, std::string body, std::string contentType) {
+void LocalServer::addFile(const std::string& path, std::string body, std::string contentType,
+                          std::chrono::milliseconds delay) {
   std::lock_guard lock(mutex_);
-  files_[path] = {std::move(body), std::move(contentType)};
+  files_[path] = {std::move(body), std::move(contentType), delay};
 }
 
 void LocalServer::setPostStatus(int status) {
@@ -177,13 +178,18 @@ void LocalServer::installRoutes() {
   });
   server_->Get(R"(/.*)", [this](const Request& req, Response& res) {
     record(req);
-    std::lock_guard lock(mutex_);
-    auto it = files_.find(req.path);
-    if (it == files_.end()) {
-      res.status = 404;
-      return;
+    File file;
+    {
+      std::lock_guard lock(mutex_);
+      auto it = files_.find(req.path);
+      if (it == files_.end()) {
+        res.status = 404;
+        return;
+      }
+      file = it->second;
     }
-    res.set_content(it->second.first, it->second.second.c_str());
+    if (file.delay.count() > 0 && !pause(file.delay)) return;
+    res.set_content(file.body, file.contentType.c_str());
   });
   server_->Post(R"(/.*)", [this](const Request& req, Response& res) {
     record(req);

@@ -9,7 +9,7 @@
 //   GET  /chunked/<n>       the same bytes, chunked (no length announced)
 //   GET  /cut/<n>           announces n bytes, sends half of them, then drops the connection
 //   GET  /redirect/<k>      302 to /redirect/<k-1>; /redirect/0 answers 200 "redirected"
-//   GET  <a path from addFile>  that file's body and content type
+//   GET  <a path from addFile>  that file's body and content type, after the file's own delay
 //   POST <any path>         the status set by setPostStatus (200 unless set), body "ok"
 //                           (none for 204 and 304)
 // Anything else: 404.
@@ -55,7 +55,8 @@ class LocalServer {
   std::string url(std::string_view path = "/") const;
 
   void addFile(const std::string& path, std::string body,
-               std::string contentType = "application/octet-stream");
+               std::string contentType = "application/octet-stream",
+               std::chrono::milliseconds delay = std::chrono::milliseconds(0));
   void setPostStatus(int status);
   // Delays every answer by this much.
   void setLatency(std::chrono::milliseconds latency);
@@ -82,7 +83,12 @@ class LocalServer {
   bool stopping_ = false;
   int postStatus_ = 200;
   std::chrono::milliseconds latency_{0};
-  std::map<std::string, std::pair<std::string, std::string>> files_;
+  struct File {
+    std::string body;
+    std::string contentType;
+    std::chrono::milliseconds delay;
+  };
+  std::map<std::string, File> files_;
   std::vector<Request> requests_;
 };
 
