@@ -5,7 +5,7 @@
 #include "ArgParser.h"
 #include "Command.h"
 #include "JsonIO.h"
-#include "platform/defaults/ExactJson.h"
+#include "platform/foundation/ExactJson.h"
 #include "platform/defaults/UserDefaults.h"
 #include "platform/foundation/Exception.h"
 #include "platform/foundation/Platform.h"

@@ -2,12 +2,12 @@
 
 #include <fmt/format.h>
 
-#include <boost/json/parse.hpp>
 #include <boost/json/serialize.hpp>
 #include <charconv>
 #include <cmath>
 #include <limits>
 
+#include "platform/foundation/ExactJson.h"
 #include "platform/foundation/Exception.h"
 
 namespace zv {
@@ -84,12 +84,8 @@ Value::Value(std::string_view s) : Value(json::value(json::string(s))) {}
 Value::Value(const char* s) : Value(std::string_view(s)) {}
 
 Value Value::parse(std::string_view text) {
-  json::parse_options options;
-  options.max_depth = 512;
-  boost::system::error_code ec;
-  json::value v = json::parse(text, ec, {}, options);
-  if (ec) throw Exception("JSONParseException", fmt::format("invalid JSON: {}", ec.message()));
-  return Value(std::move(v));
+  // Floating-point numbers are read exactly (see ExactJson): a payload value reads back as sent.
+  return Value(ExactJson::parse(text));
 }
 
 Value Value::null() {

@@ -7,7 +7,7 @@
 #include <boost/json/parse.hpp>
 #include <fstream>
 
-#include "platform/defaults/ExactJson.h"
+#include "platform/foundation/ExactJson.h"
 #include "platform/defaults/UserDefaults.h"
 #include "platform/foundation/Exception.h"
 #include "platform/foundation/Platform.h"

@@ -24,7 +24,7 @@ std::pair<int, std::string> inspect(const std::string& contents) {
   return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, out};
 }
 
-TEST(InspectCommandTest, ExplainsWhyThereIsNoRichContentOrMedia) {
+TEST(ExplainPayloadCommandTest, ExplainsWhyThereIsNoRichContentOrMedia) {
   auto [status, out] = inspect(zvtest::readFile(ZV_SOURCE_DIR "/examples/missing-title.json"));
   zv::Value v = zv::Value::parse(out);
   EXPECT_TRUE(v.get("richPush").isNull());
@@ -38,7 +38,7 @@ TEST(InspectCommandTest, ExplainsWhyThereIsNoRichContentOrMedia) {
                              R"(notification: expected a string but found number"])"));
 }
 
-TEST(InspectCommandTest, InputThatIsNotAJsonObjectIsAUsageError) {
+TEST(ExplainPayloadCommandTest, InputThatIsNotAJsonObjectIsAUsageError) {
   for (std::string text : {"{\"a\":", "[1,2]", "\"\xFF\"", ""}) {
     auto [status, out] = inspect(text);
     EXPECT_EQ(status, 2) << text;

@@ -1,4 +1,4 @@
-#include "platform/defaults/ExactJson.h"
+#include "platform/foundation/ExactJson.h"
 
 #include <fmt/format.h>
 
