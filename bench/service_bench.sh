@@ -11,23 +11,16 @@ zvpush=$(realpath "${1:-build/release/tools/zvpush/zvpush}")
 runs=${2:-15}
 latency_ms=100
 work=$(mktemp -d)
-server=""
-cleanup() {
-  [ -n "$server" ] && kill "$server" 2>/dev/null && wait "$server" 2>/dev/null
-  rm -rf "$work"
-}
-trap cleanup EXIT
+source scripts/local-server.sh
 
 mkdir -p "$work/media"
 for i in 1 2 3 4 5; do cp tests/data/media/sample.png "$work/media/card$i.png"; done
 for i in 1 2 3; do
   { cat tests/data/media/sample.png; head -c 8000000 /dev/zero; } > "$work/media/big$i.png"
 done
-"$zvpush" serve --root "$work/media" --port 0 --latency "$latency_ms" \
-  --reports "$work/reports.jsonl" > "$work/serve.log" 2>&1 &
-server=$!
-for _ in $(seq 100); do grep -q "^listening on" "$work/serve.log" && break; sleep 0.1; done
-base=$(sed -n 's/^listening on //p' "$work/serve.log")
+start_local_server "$zvpush" "$work" "$work/media" 0 --latency "$latency_ms" \
+  --reports "$work/reports.jsonl"
+base=$server_url
 port=${base##*:}
 
 store() { "$zvpush" store --store "$work/store" --app-group group.bench "$@" > /dev/null; }

@@ -9,22 +9,9 @@ zvpush=$(realpath "${1:-build/release/tools/zvpush/zvpush}")
 port=8765
 group=group.com.zentrova.demo
 work=$(mktemp -d)
-server=""
-cleanup() {
-  [ -n "$server" ] && kill "$server" 2>/dev/null && wait "$server" 2>/dev/null
-  rm -rf "$work"
-}
-trap cleanup EXIT
-
-"$zvpush" serve --root examples/media --port "$port" --reports "$work/reports.jsonl" \
-  > "$work/serve.log" 2>&1 &
-server=$!
-for _ in $(seq 100); do
-  grep -q "^listening on" "$work/serve.log" 2>/dev/null && break
-  sleep 0.1
-done
-grep -q "^listening on" "$work/serve.log" || { cat "$work/serve.log"; exit 1; }
-echo "media and reports: $(head -n 1 "$work/serve.log")"
+source scripts/local-server.sh
+start_local_server "$zvpush" "$work" examples/media "$port" --reports "$work/reports.jsonl"
+echo "media and reports: $server_url"
 
 store() { "$zvpush" store --store "$work/store" --app-group "$group" "$@"; }
 store set zov_params '{"sdk": "zvpush-demo", "platform": "linux"}'
@@ -50,5 +37,7 @@ echo
 echo "=== reports received by the endpoint"
 cat "$work/reports.jsonl" 2>/dev/null || echo "(none)"
 echo
-echo "=== events still stored (sent ones are cleared)"
-store get zv-app-7f3c21
+echo "=== left in the store for the host application"
+record=$(store get zv-app-7f3c21)
+echo "pending notifications: $(grep -c '"received_epoch_val"' <<< "$record" || true)"
+echo "events not yet reported: $(grep -c '"EVENT_ACTION"' <<< "$record" || true)"
