@@ -1,6 +1,9 @@
 #include "support/TestSupport.h"
 
+#include <sys/wait.h>
+
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
@@ -52,6 +55,19 @@ std::vector<std::string> LogCapture::system() const {
 bool LogCapture::sinkContains(const std::string& message) const {
   std::lock_guard lock(mutex_);
   return std::find(sink_.begin(), sink_.end(), message) != sink_.end();
+}
+
+CommandOutcome runZvpush(const std::string& args) {
+  std::string command = std::string(ZVPUSH_PATH) + " " + args;
+  if (args.find("2>") == std::string::npos) command += " 2>/dev/null";
+  FILE* pipe = popen(command.c_str(), "r");
+  CommandOutcome outcome;
+  if (!pipe) return outcome;
+  char buffer[4096];
+  while (size_t n = fread(buffer, 1, sizeof buffer, pipe)) outcome.out.append(buffer, n);
+  int status = pclose(pipe);
+  outcome.exit = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  return outcome;
 }
 
 std::string readFile(const std::filesystem::path& p) {

@@ -36,6 +36,14 @@ class LogCapture {
   std::vector<std::string> system_;
 };
 
+// The outcome of running the zvpush program.
+struct CommandOutcome {
+  int exit = -1;
+  std::string out;
+};
+// Runs "zvpush <args>" through the shell; stderr goes to /dev/null unless args redirect it.
+CommandOutcome runZvpush(const std::string& args);
+
 // Reads a whole file.
 std::string readFile(const std::filesystem::path& p);
 

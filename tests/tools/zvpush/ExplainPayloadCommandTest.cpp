@@ -15,13 +15,8 @@ namespace {
 std::pair<int, std::string> inspect(const std::string& contents) {
   zvtest::TempDir dir;
   std::ofstream(dir.path() / "p.json") << contents;
-  std::string cmd = std::string(ZVPUSH_PATH) + " inspect " + (dir.path() / "p.json").string();
-  FILE* p = popen((cmd + " 2>&1").c_str(), "r");
-  std::string out;
-  char buf[4096];
-  for (size_t n; (n = fread(buf, 1, sizeof buf, p)) > 0;) out.append(buf, n);
-  int status = pclose(p);
-  return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, out};
+  auto run = zvtest::runZvpush("inspect " + (dir.path() / "p.json").string() + " 2>&1");
+  return {run.exit, run.out};
 }
 
 TEST(ExplainPayloadCommandTest, ExplainsWhyThereIsNoRichContentOrMedia) {

@@ -12,19 +12,8 @@
 namespace zv {
 namespace {
 
-struct Outcome {
-  int exit;
-  std::string out;
-};
-
-Outcome zvpush(const std::string& args) {
-  std::string command = std::string(ZVPUSH_PATH) + " store " + args + " 2>/dev/null";
-  FILE* pipe = popen(command.c_str(), "r");
-  std::string out;
-  char buffer[256];
-  while (size_t n = fread(buffer, 1, sizeof buffer, pipe)) out.append(buffer, n);
-  int status = pclose(pipe);
-  return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, out};
+zvtest::CommandOutcome zvpush(const std::string& args) {
+  return zvtest::runZvpush("store " + args);
 }
 
 TEST(StoreCommandTest, WritesWhatTheExtensionsRead) {
@@ -50,7 +39,7 @@ TEST(StoreCommandTest, WritesWhatTheExtensionsRead) {
   };
   std::ofstream(dir.path() / "file") << "x";
   for (const Step& step : steps) {
-    Outcome run = zvpush(step.args);
+    zvtest::CommandOutcome run = zvpush(step.args);
     EXPECT_EQ(run.exit, step.exit) << step.args;
     EXPECT_EQ(run.out, step.out) << step.args;
   }

@@ -1,0 +1,91 @@
+// zvpush service, run as a separate process against a local server: the delivered content as one
+// JSON object, and one-line usage errors.
+#include <gtest/gtest.h>
+
+#include <boost/json.hpp>
+#include <fstream>
+
+#include "platform/foundation/Md5.h"
+#include "platform/foundation/Value.h"
+#include "support/LocalServer.h"
+#include "support/TestSupport.h"
+
+namespace zvtest {
+namespace {
+
+namespace json = boost::json;
+
+TEST(ServiceCommandTest, PrintsTheDeliveredContent) {
+  TempDir dir;
+  LocalServer server;
+  server.addFile("/a.png", readFile(ZV_SOURCE_DIR "/tests/data/media/sample.png"), "image/png");
+  server.setLatency(std::chrono::milliseconds(200));  // the badge query answers before delivery
+  std::string image = server.url("/a.png");
+  json::object payload{
+      {"aps", json::object{{"alert", json::object{{"title", "t"}, {"body", "b"}}}, {"badge", 1}}},
+      {"zentrova", json::object{{"cid", "c1"}, {"app_id", "app"}}},
+      {"zovFeatures",
+       json::object{{"richPush",
+                     json::object{{"title", "<i>Rich</i>"},
+                                  {"body", "Body"},
+                                  {"displayName", "T"},
+                                  {"ios", json::object{{"sound", "chime.caf"}}},
+                                  {"expanded",
+                                   json::object{{"type", "stylizedBasic"},
+                                                {"cards", json::array{json::object{
+                                                              {"id", 1},
+                                                              {"widgets",
+                                                               json::array{json::object{
+                                                                   {"id", 1},
+                                                                   {"type", "image"},
+                                                                   {"content", image}}}}}}}}}}}}}};
+  std::ofstream(dir.path() / "p.json") << json::serialize(payload);
+  std::string common = "--store " + (dir.path() / "store").string() + " --app-group group.cli ";
+  std::string port = std::to_string(server.port());
+  for (const std::string& set : std::vector<std::string>{
+           "zov_params '{\"sdk\": \"cli\"}'", "zov_reports_host '\"127.0.0.1\"'",
+           "zov_reports_scheme '\"http\"'", "zov_reports_port " + port}) {
+    ASSERT_EQ(runZvpush("store " + common + "set " + set).exit, 0) << set;
+  }
+
+  auto run = runZvpush("service " + (dir.path() / "p.json").string() + " " + common + "--tmp " +
+                       dir.path().string() + " --delivered 3 --id req-7");
+  ASSERT_EQ(run.exit, 0);
+  zv::Value out = zv::Value::parse(run.out);
+  EXPECT_EQ(out.get("identifier").string(), "req-7");
+  EXPECT_EQ(out.get("title").string(), "Rich");
+  EXPECT_EQ(out.get("subtitle").string(), "");
+  EXPECT_EQ(out.get("badge").integerValue(), 4);
+  EXPECT_EQ(out.get("sound").json(), (json::object{{"named", "chime.caf"}}));
+  EXPECT_EQ(out.get("categoryIdentifier").string(), "");
+  EXPECT_EQ(out.get("userInfo").get("aps").get("alert").get("title").string(), "Rich");
+  auto attachments = out.get("attachments").elements();
+  ASSERT_EQ(attachments.size(), 1u);
+  EXPECT_EQ(attachments[0].get("identifier").string(), zv::md5Hex(image));
+  EXPECT_EQ(attachments[0].get("url").string(),
+            "file://" + (dir.path() / "Attachments" / (zv::md5Hex(image) + ".png")).string());
+  int posts = 0;
+  for (const auto& r : server.requests()) posts += r.method == "POST";
+  EXPECT_EQ(posts, 1);
+}
+
+TEST(ServiceCommandTest, BadInputIsOneLineAndExitTwo) {
+  TempDir dir;
+  std::ofstream(dir.path() / "array.json") << "[1, 2]";
+  std::ofstream(dir.path() / "broken.json") << "{\"aps\":";
+  const std::string cases[] = {
+      "service " + (dir.path() / "array.json").string(),
+      "service " + (dir.path() / "broken.json").string(),
+      "service " + (dir.path() / "missing.json").string(),
+      "service",
+      "service " + (dir.path() / "array.json").string() + " --delivered many",
+  };
+  for (const auto& args : cases) {
+    auto run = runZvpush(args + " 2>&1 >/dev/null");
+    EXPECT_EQ(run.exit, 2) << args;
+    EXPECT_EQ(std::count(run.out.begin(), run.out.end(), '\n'), 1) << args << ": " << run.out;
+  }
+}
+
+}  // namespace
+}  // namespace zvtest
