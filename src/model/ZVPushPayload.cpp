@@ -7,10 +7,6 @@
 
 namespace zv {
 
-namespace {
-constexpr char kMandatoryParamsMissingName[] = "PAYLOAD_MANDATORY_PARAMS_MISSING_EXCEPTION";
-}  // namespace
-
 std::shared_ptr<ZVPushPayload> ZVPushPayload::initWithPushPayload(const Value& payload) {
   auto envelope = std::make_shared<ZVPushPayload>();
   if (payload.isNil()) return envelope;
@@ -37,7 +33,7 @@ std::shared_ptr<ZVPushPayload> ZVPushPayload::initWithPushPayload(const Value& p
     if (rich.isNil()) return envelope;
     envelope->richPush = ZVRichPush::initWithDictionary(rich);
   } catch (const Exception& e) {
-    if (e.name() == kMandatoryParamsMissingName) {
+    if (e.name() == U::kMandatoryParamsMissingExceptionName) {
       // Deliberately unformatted: the placeholder stays in the message.
       U::logWithMessage("Mandatory params missing exception : %@");
     } else {

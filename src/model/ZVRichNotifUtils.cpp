@@ -14,7 +14,6 @@ namespace zv {
 
 namespace {
 
-constexpr char kMandatoryParamsMissingName[] = "PAYLOAD_MANDATORY_PARAMS_MISSING_EXCEPTION";
 constexpr char kMandatoryParamsMissingReason[] = "Rich Push Payload Mandatory Params Missing";
 
 Value nullToNil(Value v) { return v.isNull() ? Value() : v; }
@@ -88,7 +87,7 @@ void ZVRichNotifUtils::removeValidObjectForKey(std::string_view key, boost::json
 }
 
 void ZVRichNotifUtils::raiseMandatoryParamsMissingException() {
-  throw Exception(kMandatoryParamsMissingName, kMandatoryParamsMissingReason);
+  throw Exception(kMandatoryParamsMissingExceptionName, kMandatoryParamsMissingReason);
 }
 
 std::string ZVRichNotifUtils::getGMTtime() {

@@ -25,6 +25,11 @@ class UNNotification;
 
 class ZVRichNotifUtils {
  public:
+  // The name of the exception that marks a rich push with a missing mandatory field; the envelope
+  // recognises it by this name.
+  static constexpr char kMandatoryParamsMissingExceptionName[] =
+      "PAYLOAD_MANDATORY_PARAMS_MISSING_EXCEPTION";
+
   // ---- Payload lookups ----
   // The object under key, or nil when the dictionary is nil, the key is absent or the object is
   // null. Raises zv::Exception when dict is neither nil nor a dictionary.
@@ -34,7 +39,7 @@ class ZVRichNotifUtils {
   static Value validObjectForKeyPath(std::string_view keyPath, const Value& dict);
   // Removes the entry under key (a null entry too). A null dict is the nil dictionary: nothing.
   static void removeValidObjectForKey(std::string_view key, boost::json::object* dict);
-  // Raises "PAYLOAD_MANDATORY_PARAMS_MISSING_EXCEPTION".
+  // Raises kMandatoryParamsMissingExceptionName.
   [[noreturn]] static void raiseMandatoryParamsMissingException();
 
   // ---- Time stamps ----

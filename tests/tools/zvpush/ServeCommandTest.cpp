@@ -143,14 +143,9 @@ TEST_F(ServeCommandTest, UsageErrorsExitWithTwoAndOneLine) {
   };
   for (const auto& args : cases) {
     SCOPED_TRACE(args);
-    std::string cmd = std::string(ZVPUSH_PATH) + " serve " + args + " 2>&1 >/dev/null";
-    FILE* p = popen(cmd.c_str(), "r");
-    std::string err;
-    char buf[512];
-    for (size_t n; (n = fread(buf, 1, sizeof buf, p)) > 0;) err.append(buf, n);
-    int status = pclose(p);
-    EXPECT_EQ(WEXITSTATUS(status), 2);
-    EXPECT_EQ(std::count(err.begin(), err.end(), '\n'), 1) << err;
+    auto run = zvtest::runZvpush("serve " + args + " 2>&1 >/dev/null");
+    EXPECT_EQ(run.exit, 2);
+    EXPECT_EQ(std::count(run.out.begin(), run.out.end(), '\n'), 1) << run.out;
   }
 }
 
