@@ -29,8 +29,11 @@ enum Part { kFrameX, kFrameY, kFrameW, kFrameH, kHugW, kHugH, kResistW, kResistH
 }  // namespace
 
 bool LayoutEngine::Spec::sameAs(const Spec& other) const {
-  if (constant != other.constant || relation != other.relation || weight != other.weight ||
-      terms.size() != other.terms.size())
+  return constant == other.constant && sameButConstant(other);
+}
+
+bool LayoutEngine::Spec::sameButConstant(const Spec& other) const {
+  if (relation != other.relation || weight != other.weight || terms.size() != other.terms.size())
     return false;
   for (size_t i = 0; i < terms.size(); ++i)
     if (terms[i].variable != other.terms[i].variable ||
@@ -211,6 +214,16 @@ void LayoutEngine::layout() {
     auto it = entries_.find(wanted[i].first);
     if (it != entries_.end() && !it->second.seen && it->second.spec.sameAs(wanted[i].second)) {
       it->second.seen = true;
+    } else if (it != entries_.end() && !it->second.seen && it->second.handle &&
+               it->second.spec.sameButConstant(wanted[i].second)) {
+      // Only the constant moved: shift it in place, the incremental way.
+      it->second.spec.constant = wanted[i].second.constant;
+      // A required constraint that can no longer hold is taken out and added again below,
+      // where the conflict is reported.
+      if (solver_.changeConstant(it->second.handle, it->second.spec.constant))
+        it->second.seen = true;
+      else
+        toAdd.push_back(i);
     } else {
       toAdd.push_back(i);
     }

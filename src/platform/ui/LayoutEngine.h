@@ -50,6 +50,7 @@ class LayoutEngine {
     SimplexSolver::Relation relation = SimplexSolver::Relation::kEqual;
     double weight = 0;  // 0: required
     bool sameAs(const Spec& other) const;
+    bool sameButConstant(const Spec& other) const;
   };
   struct Entry {
     Spec spec;

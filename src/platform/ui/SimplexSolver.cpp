@@ -85,10 +85,12 @@ SimplexSolver::Row SimplexSolver::createRow(const std::vector<Term>& terms, doub
   if (relation == Relation::kEqual) {
     if (required) {
       tag.marker = newSymbol(Kind::kDummy);
+      tag.markerCoefficient = 1.0;
       row.insert(tag.marker, 1.0);
     } else {
       tag.marker = newSymbol(Kind::kError);
       tag.other = newSymbol(Kind::kError);
+      tag.markerCoefficient = -1.0;
       row.insert(tag.marker, -1.0);
       row.insert(tag.other, 1.0);
       objective_.insert(tag.marker, weight);
@@ -97,6 +99,7 @@ SimplexSolver::Row SimplexSolver::createRow(const std::vector<Term>& terms, doub
   } else {
     double c = relation == Relation::kLessOrEqual ? 1.0 : -1.0;
     tag.marker = newSymbol(Kind::kSlack);
+    tag.markerCoefficient = c;
     row.insert(tag.marker, c);
     if (!required) {
       tag.other = newSymbol(Kind::kError);
@@ -130,6 +133,7 @@ SimplexSolver::Handle SimplexSolver::add(const std::vector<Term>& terms, double 
                                          Relation relation, double weight) {
   Tag tag;
   tag.weight = weight;
+  tag.constant = constant;
   Row row = createRow(terms, constant, relation, weight, tag);
   Symbol subject = chooseSubject(row, tag);
   if (!subject && allDummies(row)) {
@@ -148,6 +152,7 @@ SimplexSolver::Handle SimplexSolver::add(const std::vector<Term>& terms, double 
   Handle handle = nextHandle_++;
   tags_.emplace(handle, tag);
   optimize(objective_);
+  infeasible_.clear();
   return handle;
 }
 
@@ -183,7 +188,10 @@ bool SimplexSolver::addWithArtificialVariable(const Row& row) {
 }
 
 void SimplexSolver::substitute(Symbol s, const Row& row) {
-  for (auto& [basic, r] : rows_) r.substitute(s, row);
+  for (auto& [basic, r] : rows_) {
+    r.substitute(s, row);
+    if (kinds_[basic] != Kind::kExternal && r.constant < 0) infeasible_.push_back(basic);
+  }
   objective_.substitute(s, row);
   if (artificial_) artificial_->substitute(s, row);
 }
@@ -285,6 +293,58 @@ void SimplexSolver::remove(Handle handle) {
     }
   }
   optimize(objective_);
+  infeasible_.clear();
+}
+
+bool SimplexSolver::changeConstant(Handle handle, double constant) {
+  auto found = tags_.find(handle);
+  if (found == tags_.end()) return false;
+  Tag& tag = found->second;
+  // With the marker shifted to marker' = marker - delta / m, the tableau holds the new constant.
+  double shift = (constant - tag.constant) / tag.markerCoefficient;
+  tag.constant = constant;
+  if (shift == 0) return true;
+  infeasible_.clear();
+  auto basic = rows_.find(tag.marker);
+  if (basic != rows_.end()) {
+    basic->second.constant -= shift;
+    if (basic->second.constant < 0) infeasible_.push_back(tag.marker);
+  } else {
+    for (auto& [s, row] : rows_) {
+      double c = row.coefficientFor(tag.marker);
+      if (c == 0) continue;
+      row.constant += c * shift;
+      if (kinds_[s] != Kind::kExternal && row.constant < 0) infeasible_.push_back(s);
+    }
+  }
+  return dualOptimize();
+}
+
+bool SimplexSolver::dualOptimize() {
+  bool feasible = true;
+  while (!infeasible_.empty()) {
+    Symbol leaving = infeasible_.back();
+    infeasible_.pop_back();
+    auto it = rows_.find(leaving);
+    if (it == rows_.end() || nearZero(it->second.constant) || it->second.constant >= 0) continue;
+    Symbol entering = 0;
+    double ratio = std::numeric_limits<double>::max();
+    for (const auto& [s, c] : it->second.cells) {
+      if (c <= 0 || kinds_[s] == Kind::kDummy) continue;
+      double r = objective_.coefficientFor(s) / c;
+      if (r < ratio || (r == ratio && s < entering)) ratio = r, entering = s;
+    }
+    if (!entering) {  // a required constraint cannot hold any more
+      feasible = false;
+      continue;
+    }
+    Row row = std::move(it->second);
+    rows_.erase(it);
+    row.solveFor(leaving, entering);
+    substitute(entering, row);
+    rows_.emplace(entering, std::move(row));
+  }
+  return feasible;
 }
 
 }  // namespace zv

@@ -31,6 +31,12 @@ class SimplexSolver {
   // Adds `sum(terms) + constant  relation  0`. A weight of 0 or less means required.
   Handle add(const std::vector<Term>& terms, double constant, Relation relation, double weight);
   void remove(Handle handle);
+  // Gives a constraint a new constant in place: the rows that hold its marker shift, and a dual
+  // simplex restores feasibility. Costs one pass over the rows plus the few pivots needed, where
+  // removing and adding again would pivot through every row that depends on it.
+  // Returns false when the new constant leaves a required constraint unsatisfiable; the caller
+  // then removes the constraint.
+  bool changeConstant(Handle handle, double constant);
   // The variable's value in the current solution (0 for a variable nothing pins).
   double value(Variable variable) const;
   size_t constraintCount() const { return tags_.size(); }
@@ -54,6 +60,8 @@ class SimplexSolver {
     Symbol marker = 0;
     Symbol other = 0;
     double weight = 0;
+    double markerCoefficient = 1;  // of the marker in `constant + terms + m * marker = 0`
+    double constant = 0;
   };
 
   Symbol newSymbol(Kind kind);
@@ -69,6 +77,7 @@ class SimplexSolver {
   std::unordered_map<Symbol, Row>::iterator leavingRow(Symbol entering);
   std::unordered_map<Symbol, Row>::iterator markerLeavingRow(Symbol marker);
   void removeMarkerEffects(Symbol marker, double weight);
+  bool dualOptimize();
 
   std::vector<Kind> kinds_{Kind::kInvalid};
   std::vector<Symbol> variableSymbols_;  // Variable -> its external symbol
@@ -77,6 +86,7 @@ class SimplexSolver {
   Handle nextHandle_ = 1;
   Row objective_;
   Row* artificial_ = nullptr;
+  std::vector<Symbol> infeasible_;
 };
 
 }  // namespace zv

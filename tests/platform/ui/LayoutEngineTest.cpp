@@ -135,6 +135,17 @@ TEST(LayoutEngineTest, ConstantChangeResolvesIncrementally) {
   EXPECT_EQ(t.views["b"]->frame(), CGRect::make(0, 33, 5, 5));
   EXPECT_EQ(t.root->layoutEngine()->solverConstraintCount(), solverSize);
 
+  // Constants that turn an inequality around shift through the rows and pivot back to feasible.
+  auto gap = NSLayoutConstraint::constraintsWithVisualFormat("V:[b]-(>=20)-|", 0, {}, t.views);
+  t.root->addConstraints(gap);
+  t.root->layoutIfNeeded();
+  for (double c : {190.0, 5.0, 120.0}) {
+    gap[0]->setConstant(c);
+    t.root->layoutIfNeeded();
+    EXPECT_LE(t.views["b"]->frame().maxY(), t.root->frame().height() - c + 1e-9) << c;
+    EXPECT_EQ(t.views["b"]->frame().origin.y, 33) << c;  // b is pinned below a
+  }
+
   // A view removed while constrained drops out of the layout instead of failing it.
   t.views["a"]->removeFromSuperview();
   t.root->layoutIfNeeded();
