@@ -1,5 +1,6 @@
 #include "platform/ui/SimplexSolver.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -10,19 +11,60 @@ constexpr double kEpsilon = 1.0e-8;
 bool nearZero(double v) { return std::fabs(v) < kEpsilon; }
 }  // namespace
 
+namespace {
+using Cells = std::vector<std::pair<int, double>>;
+Cells::iterator lower(Cells& cells, int s) {
+  return std::lower_bound(
+      cells.begin(), cells.end(), s,
+      [](const std::pair<int, double>& cell, int sym) { return cell.first < sym; });
+}
+Cells::const_iterator lower(const Cells& cells, int s) {
+  return std::lower_bound(
+      cells.begin(), cells.end(), s,
+      [](const std::pair<int, double>& cell, int sym) { return cell.first < sym; });
+}
+}  // namespace
+
 void SimplexSolver::Row::insert(Symbol s, double c) {
-  auto [it, added] = cells.try_emplace(s, c);
-  if (!added) it->second += c;
-  if (nearZero(it->second)) cells.erase(it);
+  auto it = lower(cells, s);
+  if (it != cells.end() && it->first == s) {
+    it->second += c;
+    if (nearZero(it->second)) cells.erase(it);
+  } else if (!nearZero(c)) {
+    cells.insert(it, {s, c});
+  }
+}
+
+void SimplexSolver::Row::remove(Symbol s) {
+  auto it = lower(cells, s);
+  if (it != cells.end() && it->first == s) cells.erase(it);
 }
 
 void SimplexSolver::Row::insert(const Row& other, double c) {
   constant += other.constant * c;
-  for (const auto& [s, v] : other.cells) insert(s, v * c);
+  if (other.cells.empty()) return;
+  Cells merged;
+  merged.reserve(cells.size() + other.cells.size());
+  auto a = cells.begin(), ae = cells.end();
+  auto b = other.cells.begin(), be = other.cells.end();
+  while (a != ae || b != be) {
+    if (b == be || (a != ae && a->first < b->first)) {
+      merged.push_back(*a++);
+    } else if (a == ae || b->first < a->first) {
+      double v = b->second * c;
+      if (!nearZero(v)) merged.emplace_back(b->first, v);
+      ++b;
+    } else {
+      double v = a->second + b->second * c;
+      if (!nearZero(v)) merged.emplace_back(a->first, v);
+      ++a, ++b;
+    }
+  }
+  cells.swap(merged);
 }
 
 void SimplexSolver::Row::solveFor(Symbol s) {
-  auto it = cells.find(s);
+  auto it = lower(cells, s);
   double c = -1.0 / it->second;
   cells.erase(it);
   constant *= c;
@@ -35,13 +77,13 @@ void SimplexSolver::Row::solveFor(Symbol lhs, Symbol rhs) {
 }
 
 double SimplexSolver::Row::coefficientFor(Symbol s) const {
-  auto it = cells.find(s);
-  return it == cells.end() ? 0.0 : it->second;
+  auto it = lower(cells, s);
+  return it != cells.end() && it->first == s ? it->second : 0.0;
 }
 
 void SimplexSolver::Row::substitute(Symbol s, const Row& row) {
-  auto it = cells.find(s);
-  if (it == cells.end()) return;
+  auto it = lower(cells, s);
+  if (it == cells.end() || it->first != s) return;
   double c = it->second;
   cells.erase(it);
   insert(row, c);
@@ -168,8 +210,8 @@ bool SimplexSolver::addWithArtificialVariable(const Row& row) {
   if (!success) {
     // The artificial variable is still basic: dropping its row restores the system as it was.
     if (it != rows_.end()) rows_.erase(it);
-    for (auto& [s, r] : rows_) r.cells.erase(art);
-    objective_.cells.erase(art);
+    for (auto& [s, r] : rows_) r.remove(art);
+    objective_.remove(art);
     return false;
   }
   if (it != rows_.end()) {
@@ -182,8 +224,8 @@ bool SimplexSolver::addWithArtificialVariable(const Row& row) {
     substitute(entering, basic);
     rows_.emplace(entering, std::move(basic));
   }
-  for (auto& [s, r] : rows_) r.cells.erase(art);
-  objective_.cells.erase(art);
+  for (auto& [s, r] : rows_) r.remove(art);
+  objective_.remove(art);
   return success;
 }
 

@@ -45,9 +45,11 @@ class SimplexSolver {
   enum class Kind : uint8_t { kInvalid, kExternal, kSlack, kError, kDummy };
   using Symbol = int;  // index into kinds_; 0 is invalid
 
+  // constant + sum(coefficient * symbol), the cells sorted by symbol so rows merge in one pass.
   struct Row {
     double constant = 0;
-    std::unordered_map<Symbol, double> cells;
+    std::vector<std::pair<Symbol, double>> cells;
+    void remove(Symbol s);
     void insert(Symbol s, double c);
     void insert(const Row& other, double c);
     void solveFor(Symbol s);
