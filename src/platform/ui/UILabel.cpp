@@ -8,6 +8,12 @@
 
 namespace zv {
 
+namespace {
+// The width a line of text never reaches: wide enough for any label, small enough for measurers
+// that divide by it.
+constexpr double kUnbounded = 1e7;
+}  // namespace
+
 UILabel::UILabel(std::shared_ptr<TextMeasurer> measurer, CGRect frame)
     : UIView(frame), measurer_(std::move(measurer)), textColor_(UIColor::blackColor()) {}
 
@@ -40,13 +46,13 @@ void UILabel::setTextColor(ColorRef color) {
 
 CGSize UILabel::sizeThatFits(CGSize size) const {
   if (!measurer_ || text_.length() == 0) return {0, 0};
-  double width = size.width > 0 ? size.width : std::numeric_limits<double>::max();
+  double width = size.width > 0 ? size.width : kUnbounded;
   std::string plain = text_.string();
-  TextSize measured = measurer_->boundingSize(
-      plain, font_, numberOfLines_ == 1 ? std::numeric_limits<double>::max() : width);
+  TextSize measured =
+      measurer_->boundingSize(plain, font_, numberOfLines_ == 1 ? kUnbounded : width);
   double height = measured.height;
   if (numberOfLines_ > 0) {
-    double line = measurer_->boundingSize("X", font_, std::numeric_limits<double>::max()).height;
+    double line = measurer_->boundingSize("X", font_, kUnbounded).height;
     height = std::min(height, line * numberOfLines_);
   }
   return {std::ceil(std::min(measured.width, width)), std::ceil(height)};
