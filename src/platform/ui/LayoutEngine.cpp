@@ -113,6 +113,7 @@ void LayoutEngine::collect(UIView& view, std::vector<std::pair<Key, Spec>>& want
   CGRect f = view.frame();
   auto fixed = [&](int part, SimplexSolver::Variable var, SimplexSolver::Variable parent,
                    double value, double weight) {
+    if (!std::isfinite(value)) value = 0;  // a frame set to NaN or infinity counts as 0
     Spec s;
     s.terms.push_back({var, 1.0});
     if (parent >= 0) s.terms.push_back({parent, -1.0});
@@ -138,7 +139,7 @@ void LayoutEngine::collect(UIView& view, std::vector<std::pair<Key, Spec>>& want
   if (view.hasWidthDependentIntrinsicSize()) widthDependent_ = true;
   auto sizeLimits = [&](SimplexSolver::Variable var, double value, int hugPart, int resistPart,
                         bool vertical) {
-    if (value < 0) return;
+    if (!(value >= 0) || !std::isfinite(value)) return;  // none, or nonsense from a measurer
     Spec hug;
     hug.terms.push_back({var, 1.0});
     hug.constant = -value;
