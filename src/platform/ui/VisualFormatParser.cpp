@@ -39,14 +39,18 @@ void VisualFormatParser::expect(char c, const char* what) {
 }
 
 std::string VisualFormatParser::identifier() {
+  char first = peek();
   size_t start = pos_;
-  if (!atEnd() && (std::isalpha(static_cast<unsigned char>(peek())) || peek() == '_')) {
-    while (!atEnd() && (std::isalnum(static_cast<unsigned char>(peek())) || peek() == '_')) ++pos_;
+  if (std::isalpha(static_cast<unsigned char>(first)) || first == '_') {
+    while (!atEnd() &&
+           (std::isalnum(static_cast<unsigned char>(format_[pos_])) || format_[pos_] == '_'))
+      ++pos_;
   }
   return format_.substr(start, pos_ - start);
 }
 
 double VisualFormatParser::number() {
+  peek();
   const char* begin = format_.c_str() + pos_;
   char* end = nullptr;
   double value = std::strtod(begin, &end);
@@ -252,10 +256,10 @@ std::vector<NSLayoutConstraint::Ref> VisualFormatParser::parse() {
       auto parent = superviewOf(view, edgeAt);
       spacing(view, trailing, parent, trailing, pendingPredicates, pendingStandard,
               kSuperviewSpacing);
-      if (!atEnd()) fail("Expected the end of the format after '|'");
+      if (peek() != '\0') fail("Expected the end of the format after '|'");
       break;
     }
-    if (atEnd()) {
+    if (peek() == '\0') {
       if (hadConnection) fail("Expected a view or '|' after the connection");
       break;
     }

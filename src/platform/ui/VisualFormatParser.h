@@ -29,7 +29,11 @@ class VisualFormatParser {
 
   [[noreturn]] void fail(const std::string& why) const;
   bool atEnd() const { return pos_ >= format_.size(); }
-  char peek() const { return atEnd() ? '\0' : format_[pos_]; }
+  // The next character, past any spaces (spaces between tokens mean nothing).
+  char peek() {
+    while (pos_ < format_.size() && (format_[pos_] == ' ' || format_[pos_] == '\t')) ++pos_;
+    return atEnd() ? '\0' : format_[pos_];
+  }
   bool accept(char c);
   void expect(char c, const char* what);
   std::string identifier();

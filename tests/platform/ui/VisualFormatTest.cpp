@@ -63,6 +63,10 @@ TEST(VisualFormatTest, ValidFormatsGiveTheirConstraints) {
       {"|-(0)-[a(20.000000)]-0-|",
        0,
        {"a.width == 20", "a.leading == |.leading 0", "|.trailing == a.trailing 0"}},
+      {"H: | - [ a ( >= 50 , <=m ) ] -|",
+       0,
+       {"a.width >= 50", "a.width <= 12", "a.leading == |.leading 20",
+        "|.trailing == a.trailing 20"}},
       {"[a]-[b]", NSLayoutFormatAlignAllTop, {"b.leading == a.trailing 8", "a.top == b.top 0"}},
   };
   for (const auto& c : cases) {
@@ -96,7 +100,7 @@ TEST(VisualFormatTest, ErrorsSayWhereAndWhy) {
       {"[a]|[b]", "Expected the end of the format after '|'"},
       {"[a]x", "Expected a view or '|'"},
       {"[a(=50)]", "Expected '==' as a relation"},
-      {"[a]-", "Expected a number"},
+      {"[a b]", "Expected a ']' to close the view"},
       {"[a]", nullptr},
   };
   for (const auto& c : cases) {
