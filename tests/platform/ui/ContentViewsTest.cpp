@@ -1,11 +1,13 @@
 #include <gtest/gtest.h>
 
 #include "platform/text/FixedAdvanceTextMeasurer.h"
+#include "platform/ui/NSBundle.h"
 #include "platform/ui/RunLoop.h"
 #include "platform/ui/UIColor.h"
 #include "platform/ui/UIImageView.h"
 #include "platform/ui/UILabel.h"
 #include "platform/ui/UIPageControl.h"
+#include "platform/ui/UIViewController.h"
 
 namespace zv {
 
@@ -91,6 +93,33 @@ TEST(ContentViewsTest, PageControlAndStyledColours) {
   parent->addSubview(child);
   parent->setTraitCollection(UITraitCollection{UIUserInterfaceStyle::kDark});
   EXPECT_TRUE(child->traitCollection().isDark());
+}
+
+TEST(ContentViewsTest, BundleControllerAndContext) {
+  auto& bundle = NSBundle::mainBundle();
+  bundle.setInfoDictionary(
+      Value::parse(R"({"UNNotificationExtensionDefaultContentHidden": true})"));
+  EXPECT_TRUE(
+      bundle.objectForInfoDictionaryKey("UNNotificationExtensionDefaultContentHidden").isBool());
+  EXPECT_TRUE(bundle.objectForInfoDictionaryKey("missing").isNil());
+  int owner = 0;
+  bundle.registerInterface("TwoViews", [](void* o) {
+    ++*static_cast<int*>(o);
+    return std::vector<std::shared_ptr<UIView>>{UIView::make(), UIView::make()};
+  });
+  EXPECT_EQ(bundle.loadNibNamed("TwoViews", &owner).size(), 2u);
+  EXPECT_EQ(owner, 1);
+  EXPECT_TRUE(bundle.loadNibNamed("Unknown", &owner).empty());
+  bundle.setInfoDictionary({});
+
+  UIViewController controller;
+  controller.setTraitCollection({UIUserInterfaceStyle::kDark});
+  controller.setView(UIView::make(CGRect::make(0, 0, 375, 0)));
+  EXPECT_TRUE(controller.view()->traitCollection().isDark());
+  int opened = 0;
+  controller.extensionContext()->setDefaultActionObserver([&] { ++opened; });
+  controller.extensionContext()->performNotificationDefaultAction();
+  EXPECT_EQ(opened, 1);
 }
 
 }  // namespace
