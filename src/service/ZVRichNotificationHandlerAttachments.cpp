@@ -4,12 +4,12 @@
 
 #include <mutex>
 
+#include "model/ZVMedia.h"
 #include "model/ZVRichNotifUtils.h"
 #include "platform/foundation/Exception.h"
 #include "platform/foundation/Log.h"
 #include "platform/foundation/OperationQueue.h"
 #include "reporting/ZVExtensionNetworkManager.h"
-#include "service/ZVMedia.h"
 #include "service/ZVRichNotificationHandler.h"
 
 namespace zv {

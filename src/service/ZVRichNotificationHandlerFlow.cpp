@@ -111,7 +111,7 @@ void ZVRichNotificationHandler::updateBadgeWithNotificationContent(
     if (badge.isNil() || badge.integerValue() != 1) return;
     // Not awaited: the new badge lands whenever the center answers; if the content was handed back
     // before that, the change is lost for this notification.
-    UNUserNotificationCenter::currentNotificationCenter()
+    UNUserNotificationCenter(notificationCenter())
         .getDeliveredNotificationsWithCompletionHandler(
             [content](const NotificationCenter::Notifications& delivered) {
               content->setBadge(

@@ -3,8 +3,8 @@
 #include <chrono>
 #include <future>
 
+#include "platform/Platform.h"
 #include "platform/defaults/UserDefaults.h"
-#include "platform/foundation/Platform.h"
 #include "platform/notifications/NotificationCenter.h"
 #include "platform/notifications/UNNotificationContent.h"
 #include "platform/notifications/UNNotificationRequest.h"
@@ -30,7 +30,7 @@ void ServiceFlowFixture::SetUp() {
   platform.setNotificationCenter(center);
   zv::ZVRichNotification::setAppGroupID(kAppGroup);
   // Configured as the host application does: query parameters and the reports endpoint.
-  suite = zv::UserDefaults::initWithSuiteName(kAppGroup);
+  suite = zv::UserDefaults::initWithSuiteName(kAppGroup, dir.path() / "store");
   suite->setObject(json::object{{"sdk", "cpp"}, {"device", "test"}}, "zov_params");
   suite->setObject(zv::Value("127.0.0.1"), "zov_reports_host");
   suite->setObject(zv::Value("http"), "zov_reports_scheme");
@@ -38,7 +38,6 @@ void ServiceFlowFixture::SetUp() {
 }
 
 void ServiceFlowFixture::TearDown() {
-  zv::Platform::shared().setNotificationCenter(nullptr);
   // A new session for the next test: closing this one's kept-alive connections lets the server
   // stop at once.
   zv::ZVExtensionNetworkManager::sharedManager().setNetworkSession(nullptr);

@@ -12,6 +12,7 @@
 
 #include "platform/foundation/Value.h"
 #include "support/LocalServer.h"
+#include "support/ProcessStateReset.h"
 #include "support/TestSupport.h"
 
 namespace zv {
@@ -47,6 +48,7 @@ class ServiceFlowFixture : public ::testing::Test {
   // Serves a real PNG file under path.
   void servePng(const std::string& path);
 
+  ProcessStateReset state;  // first: restores the process after everything else is gone
   TempDir dir;
   LocalServer server;
   LogCapture logs;

@@ -6,9 +6,9 @@
 #include <set>
 
 #include "model/ZVRichNotifUtils.h"
+#include "platform/Platform.h"
 #include "platform/defaults/UserDefaults.h"
 #include "platform/foundation/Md5.h"
-#include "platform/foundation/Platform.h"
 #include "platform/net/UrlSession.h"
 #include "platform/notifications/NotificationCenter.h"
 #include "platform/notifications/UNNotificationAttachment.h"

@@ -12,6 +12,7 @@
 #include "ArgParser.h"
 #include "Command.h"
 #include "JsonIO.h"
+#include "model/ZVMedia.h"
 #include "model/ZVPushAction.h"
 #include "model/ZVPushCard.h"
 #include "model/ZVPushPayload.h"
@@ -21,7 +22,6 @@
 #include "model/ZVRichPushMode.h"
 #include "platform/foundation/Exception.h"
 #include "platform/foundation/Log.h"
-#include "service/ZVMedia.h"
 #include "service/ZVRichNotificationHandler.h"
 
 namespace zvpush {

@@ -14,7 +14,6 @@
 #include <system_error>
 
 #include "platform/foundation/Log.h"
-#include "platform/foundation/Platform.h"
 
 namespace zv {
 
@@ -58,13 +57,14 @@ std::unique_ptr<CurlTransfer> CurlTransfer::create(std::shared_ptr<UrlSessionTas
   Error error;
   if (!transfer->task_->originalRequest().url()) {
     transfer->setupError_ = Error{Error::kUrlDomain, CURLE_URL_MALFORMAT, "unsupported URL"};
-  } else if (!transfer->configure(&error)) {
+  } else if (!transfer->configure(configuration, &error)) {
     transfer->setupError_ = std::move(error);
   }
   return transfer;
 }
 
-bool CurlTransfer::configure(Error* error) {
+bool CurlTransfer::configure(const UrlSessionConfiguration& configuration, Error* error) {
+  downloadDirectory_ = configuration.temporaryDirectory;
   easy_ = curl_easy_init();
   if (!easy_) {
     *error = Error{Error::kUrlDomain, CURLE_OUT_OF_MEMORY, curl_easy_strerror(CURLE_OUT_OF_MEMORY)};
@@ -88,7 +88,7 @@ bool CurlTransfer::configure(Error* error) {
   // The extra CA is added to each connection's certificate store; a store shared between
   // connections would keep it for connections that must not trust it.
   curl_easy_setopt(easy_, CURLOPT_CA_CACHE_TIMEOUT, 0L);
-  extraCaFile_ = Platform::shared().extraCaFile();
+  extraCaFile_ = configuration.extraCaFile;
   if (!extraCaFile_.empty()) {
     curl_easy_setopt(easy_, CURLOPT_SSL_CTX_FUNCTION, &CurlTransfer::onSslContext);
     curl_easy_setopt(easy_, CURLOPT_SSL_CTX_DATA, this);
@@ -139,7 +139,7 @@ bool CurlTransfer::configure(Error* error) {
 }
 
 bool CurlTransfer::openDownloadFile(Error* error) {
-  std::filesystem::path dir = Platform::shared().temporaryDirectory();
+  const std::filesystem::path& dir = downloadDirectory_;
   std::error_code ec;
   std::filesystem::create_directories(dir, ec);
   std::string path = (dir / "ZVDownload_XXXXXX.tmp").string();

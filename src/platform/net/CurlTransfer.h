@@ -49,7 +49,7 @@ class CurlTransfer {
 
  private:
   CurlTransfer(std::shared_ptr<UrlSessionTask> task, double timeoutSeconds);
-  bool configure(Error* error);
+  bool configure(const UrlSessionConfiguration& configuration, Error* error);
   bool openDownloadFile(Error* error);
   std::shared_ptr<HttpUrlResponse> response() const;
   Error errorFor(CURLcode code) const;
@@ -68,6 +68,7 @@ class CurlTransfer {
   curl_slist* headerList_ = nullptr;
   std::string requestBody_;
   std::string extraCaFile_;
+  std::filesystem::path downloadDirectory_;
   char errorBuffer_[CURL_ERROR_SIZE] = {};
 
   std::string body_;

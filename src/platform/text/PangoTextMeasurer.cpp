@@ -7,7 +7,6 @@
 #include <algorithm>
 
 #include "platform/foundation/Exception.h"
-#include "platform/foundation/Platform.h"
 
 namespace zv {
 
@@ -116,11 +115,5 @@ TextSize PangoTextMeasurer::boundingSize(std::string_view text, const Font& font
 // builds, do not report them as leaks.
 extern "C" const char* __lsan_default_suppressions() { return "leak:libfontconfig.so\n"; }
 #endif
-
-std::shared_ptr<PangoTextMeasurer> installPangoTextMeasurer() {
-  auto measurer = std::make_shared<PangoTextMeasurer>();
-  Platform::shared().setTextMeasurer(measurer);
-  return measurer;
-}
 
 }  // namespace zv

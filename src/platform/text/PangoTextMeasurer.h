@@ -10,9 +10,8 @@
 // not resolve Inter to Inter itself (the package is missing or a configuration substitutes it);
 // every new weight and style is checked the same way when first used.
 //
-// A content-side program installs it once, before the first view is laid out:
-//
-//     zv::installPangoTextMeasurer();   // Platform::shared().textMeasurer() is now this measurer
+// A content-side program makes one and hands it to what measures (or installs it in the platform
+// object, from which the content side's process-wide objects take it when they are made).
 //
 // It lives in the content library (zv_content): the service side never measures text.
 #pragma once
@@ -57,6 +56,5 @@ class PangoTextMeasurer : public TextMeasurer {
 
 // Makes a PangoTextMeasurer and installs it as the platform's text measurer; returns it. Raises
 // like the constructor when Inter is not available.
-std::shared_ptr<PangoTextMeasurer> installPangoTextMeasurer();
 
 }  // namespace zv
