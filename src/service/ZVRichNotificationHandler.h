@@ -82,6 +82,14 @@ class ZVRichNotificationHandler {
  private:
   ZVRichNotificationHandler();
 
+  // The one request flow: the plan, then (full flow only) the store, the downloads, then (full
+  // flow only) the shown event and the report, and the content handler, called exactly once.
+  void runRequestFlow(const std::shared_ptr<UNNotificationRequest>& request, bool full,
+                      ContentHandler contentHandler);
+  // Downloads the media side by side; completion as for getAttachmentsForNotification.
+  void downloadAttachments(const std::vector<std::shared_ptr<ZVMedia>>& media,
+                           std::function<void(const Attachments&)> completion);
+
   mutable std::mutex mutex_;
   std::shared_ptr<NotificationCenter> notificationCenter_;
 };

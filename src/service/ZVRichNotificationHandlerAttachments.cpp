@@ -47,7 +47,12 @@ struct DownloadBatch {
 void ZVRichNotificationHandler::getAttachmentsForNotification(
     const std::shared_ptr<ZVPushPayload>& payload,
     std::function<void(const Attachments&)> completion) {
-  auto media = getMediaURLsFromPayload(payload);
+  downloadAttachments(getMediaURLsFromPayload(payload), std::move(completion));
+}
+
+void ZVRichNotificationHandler::downloadAttachments(
+    const std::vector<std::shared_ptr<ZVMedia>>& media,
+    std::function<void(const Attachments&)> completion) {
   if (media.empty()) {
     completion({});
     return;
