@@ -10,8 +10,8 @@
 #include <cstring>
 #include <initializer_list>
 
-#include "platform/foundation/ExactJson.h"
 #include "platform/defaults/SqliteFile.h"
+#include "platform/foundation/ExactJson.h"
 #include "platform/foundation/Exception.h"
 #include "platform/foundation/Log.h"
 
