@@ -5,11 +5,13 @@
 
 #include "platform/Platform.h"
 #include "platform/defaults/UserDefaults.h"
+#include "platform/net/UrlSession.h"
 #include "platform/notifications/NotificationCenter.h"
 #include "platform/notifications/UNNotificationContent.h"
 #include "platform/notifications/UNNotificationRequest.h"
 #include "reporting/ZVExtensionNetworkManager.h"
 #include "service/ZVRichNotification.h"
+#include "service/ZVRichNotificationHandler.h"
 #include "store/ZVExtensionDataManager.h"
 
 namespace zvtest {
@@ -44,8 +46,8 @@ void ServiceFlowFixture::TearDown() {
   zv::Platform::shared().setUrlSession(nullptr);
 }
 
-std::shared_ptr<zv::UNNotificationContent> ServiceFlowFixture::run(const json::object& p,
-                                                                   bool contentOnly) {
+std::shared_ptr<zv::UNNotificationContent> ServiceFlowFixture::run(
+    const json::object& p, bool contentOnly, const std::function<void()>& meanwhile) {
   auto request = zv::UNNotificationRequest::requestWithRemoteNotification("req-1", zv::Value(p));
   auto promise = std::make_shared<std::promise<std::shared_ptr<zv::UNNotificationContent>>>();
   auto future = promise->get_future();
@@ -58,12 +60,21 @@ std::shared_ptr<zv::UNNotificationContent> ServiceFlowFixture::run(const json::o
   } else {
     zv::ZVRichNotification::handleRichNotificationRequest(request, handler);
   }
+  if (meanwhile) meanwhile();
   if (future.wait_for(std::chrono::seconds(20)) != std::future_status::ready) {
     ADD_FAILURE() << "the content handler was not called";
     return nullptr;
   }
-  // A second call would come right after the first; give it a moment to show.
-  std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  // A second call would come from the download queue or from a task completion of the session:
+  // once both are drained, every call has been made.
+  zv::ZVRichNotificationHandler::sharedHandler()
+      .imageDownloadOperationQueue->waitUntilAllOperationsAreFinished();
+  auto drained = std::make_shared<std::promise<void>>();
+  zv::ZVExtensionNetworkManager::sharedManager()
+      .getZoVURLSession()
+      ->dataTaskWithRequest(zv::UrlRequest(), [=](auto...) { drained->set_value(); })
+      ->resume();
+  drained->get_future().wait();
   handlerCalls = calls->load();
   return future.get();
 }

@@ -187,7 +187,7 @@ TEST_F(UrlSessionFailureTest, CompletionsRunOneAtATimeOnOneThread) {
         ->dataTaskWithRequest(UrlRequest(Url::parse(server.url(path))),
                               [&, done](auto...) {
                                 if (inside.exchange(true)) overlapped = true;
-                                std::this_thread::sleep_for(std::chrono::milliseconds(2));
+                                for (int spin = 0; spin < 100; ++spin) std::this_thread::yield();
                                 EXPECT_TRUE(session->isDelegateThread());
                                 threads.push_back(std::this_thread::get_id());
                                 inside = false;
@@ -220,12 +220,14 @@ TEST_F(UrlSessionFailureTest, ThrowingCompletionIsContainedAndLaterTasksRun) {
 
 TEST_F(UrlSessionFailureTest, DestroyedSessionDropsRunningTasks) {
   std::atomic<bool> called{false};
+  server.holdAnswers();
   session
-      ->dataTaskWithRequest(UrlRequest(Url::parse(server.url("/slow/10000"))),
+      ->dataTaskWithRequest(UrlRequest(Url::parse(server.url("/bytes/10"))),
                             [&](auto...) { called = true; })
       ->resume();
-  std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  server.awaitHeldRequest();  // the transfer is under way
   session.reset();
+  server.releaseAnswers();
   EXPECT_FALSE(called);
 }
 
@@ -246,7 +248,7 @@ TEST(PlatformUrlSessionDeathTest, ProcessExitsCleanlyWithATaskInFlight) {
         .urlSession()
         ->dataTaskWithRequest(UrlRequest(Url::parse(url)), [](auto...) { std::abort(); })
         ->resume();
-    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    ::accept(fd, nullptr, nullptr);  // the transfer is under way
     std::exit(0);
   };
   EXPECT_EXIT(exitDuringTransfer(), ::testing::ExitedWithCode(0), "");
