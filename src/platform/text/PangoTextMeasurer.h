@@ -22,6 +22,7 @@
 #include <string>
 #include <utility>
 
+#include "platform/foundation/UniqueHandle.h"
 #include "platform/text/TextMeasurer.h"
 
 typedef struct _PangoFontMap PangoFontMap;
@@ -29,6 +30,9 @@ typedef struct _PangoContext PangoContext;
 typedef struct _PangoLayout PangoLayout;
 
 namespace zv {
+
+// Drops a reference to a GLib object (g_object_unref), for UniqueHandle.
+void releaseGObject(void* object);
 
 class PangoTextMeasurer : public TextMeasurer {
  public:
@@ -48,13 +52,11 @@ class PangoTextMeasurer : public TextMeasurer {
   void checkFace(const Font& font);
 
   std::mutex mutex_;
-  PangoFontMap* fontMap_ = nullptr;
-  PangoContext* context_ = nullptr;
-  PangoLayout* layout_ = nullptr;
+  // Released in reverse order: the layout, its context, then the font map.
+  UniqueHandle<PangoFontMap, releaseGObject> fontMap_;
+  UniqueHandle<PangoContext, releaseGObject> context_;
+  UniqueHandle<PangoLayout, releaseGObject> layout_;
   std::set<std::pair<int, bool>> checkedFaces_;  // weight, italic
 };
-
-// Makes a PangoTextMeasurer and installs it as the platform's text measurer; returns it. Raises
-// like the constructor when Inter is not available.
 
 }  // namespace zv
