@@ -10,8 +10,8 @@
 #include <filesystem>
 #include <string>
 
+#include "platform/Platform.h"
 #include "platform/defaults/UserDefaults.h"
-#include "platform/foundation/Platform.h"
 #include "platform/foundation/Value.h"
 #include "reporting/ZVExtensionNetworkManager.h"
 #include "store/ZVExtensionDataManager.h"
@@ -46,9 +46,10 @@ struct Fixture {
     std::filesystem::remove_all(dir);
     std::filesystem::create_directories(dir);
     zv::Platform::shared().setStoreDirectory(dir);
+    zv::ZVExtensionDataManager::resetSharedManager();  // takes the folder at its next use
     auto& store = zv::ZVExtensionDataManager::sharedManager();
     store.setAppGroupID(kGroup);
-    auto suite = zv::UserDefaults::initWithSuiteName(kGroup);
+    auto suite = zv::UserDefaults::initWithSuiteName(kGroup, dir);
     suite->setObject(zv::Value::parse(R"({"sdk":"2.4.1","os":"ios","ver":"17.0"})"), "zov_params");
     suite->setObject(zv::Value::parse(R"({"uid":"U-81f2","device":"D-77"})"), "zov_identifiers");
     store.configureDataManagerWithAppID(zv::Value("zv-app-7f3c21"));

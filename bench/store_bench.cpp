@@ -26,8 +26,8 @@
 
 #include "model/ZVPushPayload.h"
 #include "model/ZVRichNotifUtils.h"
+#include "platform/Platform.h"
 #include "platform/defaults/UserDefaults.h"
-#include "platform/foundation/Platform.h"
 #include "store/ZVExtensionDataManager.h"
 
 namespace {
@@ -72,6 +72,7 @@ struct Suite {
   explicit Suite(size_t count) : payload(benchPayload()) {
     zv::Platform::shared().setStoreDirectory(folder.path());
     zv::Platform::shared().setBundleIdentifier("com.example.bench.service");
+    zv::ZVExtensionDataManager::resetSharedManager();  // takes the folder at its next use
     auto& m = zv::ZVExtensionDataManager::sharedManager();
     m.setAppGroupID(kGroup);
     m.getZovUserDefaults()->setObject(Value::parse(R"({"sdk": "1.0", "os": "17.0"})"),

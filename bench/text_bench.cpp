@@ -79,11 +79,11 @@ void BM_StyledTextFromHTML_Title(benchmark::State& state) {
 }
 
 void BM_Measure200Chars_355px(benchmark::State& state) {
-  static auto measurer = zv::installPangoTextMeasurer();
+  static zv::PangoTextMeasurer measurer;
   const zv::Font font = zv::Font::systemFont(17);
   double height = 0;
   for (auto _ : state) {
-    height = zv::ZVRichNotifUtils::getHeightForText(message200(), 355.0, font);
+    height = zv::ZVRichNotifUtils::getHeightForText(message200(), 355.0, font, measurer);
     benchmark::DoNotOptimize(height);
   }
   state.counters["height"] = height;

@@ -8,7 +8,7 @@ packages=(
   libboost1.81-dev libboost-json1.81-dev libboost-url1.81-dev
   libcurl4-openssl-dev libsqlite3-dev libssl-dev libmagic-dev libfmt-dev
   libgumbo-dev libpango1.0-dev libcairo2-dev fonts-inter fontconfig
-  libgtest-dev libgmock-dev libbenchmark-dev libcpp-httplib-dev
+  libgtest-dev libgmock-dev libbenchmark-dev libcpp-httplib-dev clang-format
 )
 
 missing=()

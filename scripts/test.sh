@@ -1,8 +1,16 @@
 #!/usr/bin/env bash
-# Installs the packages, builds everything (release) and runs the whole test suite.
+# Installs the packages, checks the formatting, builds everything (release) and runs the whole test
+# suite, then builds it again with the address and undefined-behaviour sanitizers (the asan preset)
+# and runs the suite once more under them.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/install-deps.sh
+bash scripts/check-format.sh
+jobs="$(nproc)"
 cmake --preset release
-cmake --build --preset release -j "$(nproc)"
-ctest --preset release -j "$(nproc)"
+cmake --build --preset release -j "$jobs"
+ctest --preset release -j "$jobs"
+cmake --preset asan
+cmake --build --preset asan -j "$jobs" --target zv_tests zvpush zvpush-content
+ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
+  ctest --preset asan -j "$jobs"

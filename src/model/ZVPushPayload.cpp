@@ -12,15 +12,17 @@ std::shared_ptr<ZVPushPayload> ZVPushPayload::initWithPushPayload(const Value& p
   if (payload.isNil()) return envelope;
   using U = ZVRichNotifUtils;
   envelope->pushPayloadDict = payload;
-  // Design note: a payload, or a "zentrova" value, that is not a dictionary cannot be read further.
-  // Rather than failing, the envelope keeps what it has and the notification is simply not
-  // processed (no campaign id). A non-dictionary payload still goes through the rich-push guard
+  // Design note: a payload that is not a dictionary cannot be read further; the envelope keeps
+  // what it has and the notification is not processed. It still goes through the rich-push guard
   // below, which reports it to the log sink.
   if (payload.isObject()) {
     envelope->zentrovaDict = U::validObjectForKey(kPushPayloadKeyZentrova, payload);
   }
+  // A "zentrova" value that is not a dictionary makes the lookup of "cid" raise: the exception
+  // leaves the initialiser, and the request flow's guard reports it and delivers the content as
+  // it came.
   const Value& z = envelope->zentrovaDict;
-  if (z.isObject()) {
+  if (!z.isNil()) {
     envelope->campaignID = U::validObjectForKey(kPushPayloadKeyCampaignID, z);
     envelope->zovAppId = U::validObjectForKey(kPushPayloadKeyZoVAppID, z);
     envelope->mediaAttachment = U::validObjectForKey(kPushPayloadKeyMediaURL, z);

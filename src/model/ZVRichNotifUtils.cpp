@@ -6,9 +6,9 @@
 #include <cmath>
 #include <cstdint>
 
+#include "platform/foundation/Clock.h"
 #include "platform/foundation/Exception.h"
 #include "platform/foundation/Log.h"
-#include "platform/foundation/Platform.h"
 
 namespace zv {
 
@@ -90,14 +90,13 @@ void ZVRichNotifUtils::raiseMandatoryParamsMissingException() {
   throw Exception(kMandatoryParamsMissingExceptionName, kMandatoryParamsMissingReason);
 }
 
-std::string ZVRichNotifUtils::getGMTtime() {
-  double now = Platform::shared().clock()->now();
+std::string ZVRichNotifUtils::getGMTtime(const Clock& clock) {
+  double now = clock.now();
   return fmt::format("{}", static_cast<long long>(std::floor(now)));
 }
 
-std::string ZVRichNotifUtils::getLocalTime() {
-  auto clock = Platform::shared().clock();
-  std::tm t = clock->localTime(clock->now());
+std::string ZVRichNotifUtils::getLocalTime(const Clock& clock) {
+  std::tm t = clock.localTime(clock.now());
   return fmt::format("{:02}:{:02}:{:04}:{:02}:{:02}:{:02}", t.tm_mday, t.tm_mon + 1,
                      t.tm_year + 1900, t.tm_hour, t.tm_min, t.tm_sec);
 }

@@ -20,6 +20,9 @@ namespace zv {
 
 class StyledText;
 class Font;
+class FileManager;
+class TextMeasurer;
+class Clock;
 class UNNotificationAttachment;
 class UNNotification;
 
@@ -44,9 +47,9 @@ class ZVRichNotifUtils {
 
   // ---- Time stamps ----
   // Whole seconds since 1970 UTC, as decimal text ("1700000000").
-  static std::string getGMTtime();
+  static std::string getGMTtime(const Clock& clock);
   // The local time as "dd:MM:yyyy:HH:mm:ss".
-  static std::string getLocalTime();
+  static std::string getLocalTime(const Clock& clock);
   // The user-info dictionary of a delivered notification's request content; nil for none.
   static Value getPayloadFromNotification(const std::shared_ptr<UNNotification>& notification);
 
@@ -67,11 +70,15 @@ class ZVRichNotifUtils {
   static std::string MD5hashForString(std::string_view s);
   static std::string getFileExtension(const Url& url);
   static bool isImageGifWithURL(const Url& url);
-  // Moves a downloaded file into "Attachments" under the temporary directory and makes the
-  // attachment; nullptr on any failure.
+  // Moves a downloaded file into "Attachments" under the file manager's temporary directory (the
+  // process's file manager when none is given) and makes the attachment; nullptr on any failure.
   static std::shared_ptr<UNNotificationAttachment> createWithID(const std::string& identifier,
                                                                 const std::string& name,
                                                                 const Url& temporaryLocation);
+  static std::shared_ptr<UNNotificationAttachment> createWithID(const std::string& identifier,
+                                                                const std::string& name,
+                                                                const Url& temporaryLocation,
+                                                                const FileManager& fileManager);
 
   // ---- Rich text ----
   static std::shared_ptr<StyledText> getAttributedStringFromHTMLStr(
@@ -79,7 +86,7 @@ class ZVRichNotifUtils {
   static std::shared_ptr<StyledText> getAttributedStringFromText(
       const std::optional<std::string>& text, bool strong, bool darkTheme);
   static double getHeightForText(const std::optional<std::string>& text, double width,
-                                 const Font& font);
+                                 const Font& font, TextMeasurer& measurer);
   static std::optional<std::string> getStringFromHTML(const std::optional<std::string>& html);
 };
 

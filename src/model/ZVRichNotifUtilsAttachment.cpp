@@ -11,8 +11,13 @@ namespace zv {
 
 std::shared_ptr<UNNotificationAttachment> ZVRichNotifUtils::createWithID(
     const std::string& identifier, const std::string& name, const Url& temporaryLocation) {
+  return createWithID(identifier, name, temporaryLocation, FileManager::defaultManager());
+}
+
+std::shared_ptr<UNNotificationAttachment> ZVRichNotifUtils::createWithID(
+    const std::string& identifier, const std::string& name, const Url& temporaryLocation,
+    const FileManager& fileManager) {
   try {
-    FileManager& fileManager = FileManager::defaultManager();
     Url directory = Url::fileUrl(fileManager.temporaryDirectory().filePath() / "Attachments");
     Error error;
     // Design note: when the attachments directory cannot be made there is nothing to attach to,

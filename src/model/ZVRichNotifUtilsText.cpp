@@ -10,7 +10,6 @@
 #include "model/ZVRichNotifUtils.h"
 #include "platform/foundation/Exception.h"
 #include "platform/foundation/Log.h"
-#include "platform/foundation/Platform.h"
 #include "platform/text/HtmlImporter.h"
 #include "platform/text/StyledText.h"
 #include "platform/text/TextMeasurer.h"
@@ -93,7 +92,7 @@ std::shared_ptr<StyledText> ZVRichNotifUtils::getAttributedStringFromText(
 }
 
 double ZVRichNotifUtils::getHeightForText(const std::optional<std::string>& text, double width,
-                                          const Font& font) {
+                                          const Font& font, TextMeasurer& measurer) {
   if (!text) return 0.0;
   // Line breaks are removed before measuring, so the lines run together: the row count of the body
   // view is reckoned on the text as one paragraph.
@@ -102,13 +101,7 @@ double ZVRichNotifUtils::getHeightForText(const std::optional<std::string>& text
   for (char c : *text) {
     if (c != '\n') flat += c;
   }
-  std::shared_ptr<TextMeasurer> measurer = Platform::shared().textMeasurer();
-  if (!measurer) {
-    throw Exception("NSInternalInconsistencyException",
-                    "No text measurer is installed: call zv::installPangoTextMeasurer() (or "
-                    "Platform::shared().setTextMeasurer) before measuring text");
-  }
-  return measurer->boundingSize(flat, font, width).height;
+  return measurer.boundingSize(flat, font, width).height;
 }
 
 std::optional<std::string> ZVRichNotifUtils::getStringFromHTML(

@@ -3,8 +3,8 @@
 #include <fmt/format.h>
 
 #include "model/ZVRichNotifUtils.h"
+#include "platform/Platform.h"
 #include "platform/foundation/Exception.h"
-#include "platform/foundation/Platform.h"
 #include "platform/net/UrlSession.h"
 #include "reporting/ReportsBody.h"
 #include "store/ZVExtensionDataManager.h"
@@ -27,9 +27,24 @@ void logSyncException(const Exception& e) {
 
 }  // namespace
 
+namespace {
+std::mutex sharedMutex;
+bool sharedConfigured = false;
+}  // namespace
+
 ZVExtensionNetworkManager& ZVExtensionNetworkManager::sharedManager() {
   static ZVExtensionNetworkManager manager;
+  std::lock_guard lock(sharedMutex);
+  if (!sharedConfigured) {
+    manager.setNetworkSession(Platform::shared().urlSession());
+    sharedConfigured = true;
+  }
   return manager;
+}
+
+void ZVExtensionNetworkManager::resetSharedManager() {
+  std::lock_guard lock(sharedMutex);
+  sharedConfigured = false;
 }
 
 std::shared_ptr<UrlSession> ZVExtensionNetworkManager::networkSession() const {
@@ -44,12 +59,10 @@ void ZVExtensionNetworkManager::setNetworkSession(std::shared_ptr<UrlSession> se
   networkSession_ = std::move(session);
 }
 
-// The session is the platform's: made once with caching off (reload ignoring local data, no URL
-// cache), it is the one a host or a test can replace through the platform object. Unlike a
-// lock-free lazy property, concurrent first calls here get the same session.
+// The session is the one given to the manager: for the process's manager, the platform's (made
+// once with caching off: reload ignoring local data, no URL cache).
 std::shared_ptr<UrlSession> ZVExtensionNetworkManager::getZoVURLSession() {
   std::lock_guard lock(mutex_);
-  if (!networkSession_) networkSession_ = Platform::shared().urlSession();
   return networkSession_;
 }
 

@@ -25,10 +25,13 @@ class UNNotificationAttachment;
 
 class ZVExtensionNetworkManager {
  public:
+  // The one manager of the process. Its first use takes the URL session from the platform object,
+  // and so does the first use after resetSharedManager() (tests).
   static ZVExtensionNetworkManager& sharedManager();
+  static void resetSharedManager();
 
-  // The session of the reports and the downloads; nullptr until getZoVURLSession makes it.
-  // Setting it (tests) replaces the session that later flushes and downloads use.
+  // The session of the reports and the downloads. Setting it replaces the session that later
+  // flushes and downloads use.
   std::shared_ptr<UrlSession> networkSession() const;
   void setNetworkSession(std::shared_ptr<UrlSession> session);
   std::shared_ptr<UrlSession> getZoVURLSession();

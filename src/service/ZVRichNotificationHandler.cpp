@@ -4,22 +4,49 @@
 #include <string>
 
 #include "model/PayloadKeys.h"
+#include "model/ZVMedia.h"
 #include "model/ZVPushCard.h"
 #include "model/ZVPushPayload.h"
 #include "model/ZVPushWidget.h"
 #include "model/ZVRichPush.h"
 #include "model/ZVRichPushMode.h"
+#include "platform/Platform.h"
 #include "platform/foundation/OperationQueue.h"
-#include "service/ZVMedia.h"
+#include "platform/notifications/NotificationCenter.h"
 
 namespace zv {
 
 ZVRichNotificationHandler::ZVRichNotificationHandler()
     : imageDownloadOperationQueue(std::make_shared<OperationQueue>()) {}
 
+namespace {
+std::mutex sharedMutex;
+bool sharedConfigured = false;
+}  // namespace
+
 ZVRichNotificationHandler& ZVRichNotificationHandler::sharedHandler() {
   static ZVRichNotificationHandler* handler = new ZVRichNotificationHandler();
+  std::lock_guard lock(sharedMutex);
+  if (!sharedConfigured) {
+    handler->setNotificationCenter(Platform::shared().notificationCenter());
+    sharedConfigured = true;
+  }
   return *handler;
+}
+
+void ZVRichNotificationHandler::resetSharedHandler() {
+  std::lock_guard lock(sharedMutex);
+  sharedConfigured = false;
+}
+
+std::shared_ptr<NotificationCenter> ZVRichNotificationHandler::notificationCenter() const {
+  std::lock_guard lock(mutex_);
+  return notificationCenter_;
+}
+
+void ZVRichNotificationHandler::setNotificationCenter(std::shared_ptr<NotificationCenter> center) {
+  std::lock_guard lock(mutex_);
+  notificationCenter_.swap(center);
 }
 
 std::vector<std::shared_ptr<ZVMedia>> ZVRichNotificationHandler::getMediaURLsFromPayload(

@@ -11,6 +11,7 @@
 
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <vector>
 
 namespace zv {
@@ -19,6 +20,7 @@ class ZVMedia;
 class ZVPushPayload;
 class ZVRichPush;
 class OperationQueue;
+class NotificationCenter;
 class UNNotificationRequest;
 class UNNotificationContent;
 class UNMutableNotificationContent;
@@ -26,8 +28,15 @@ class UNNotificationAttachment;
 
 class ZVRichNotificationHandler {
  public:
-  // The one handler of the process, created on first use and never released.
+  // The one handler of the process, created on first use and never released. Its first use takes
+  // the notification center from the platform object, and so does the first use after
+  // resetSharedHandler() (tests).
   static ZVRichNotificationHandler& sharedHandler();
+  static void resetSharedHandler();
+
+  // The center the badge rule asks how many notifications are shown.
+  std::shared_ptr<NotificationCenter> notificationCenter() const;
+  void setNotificationCenter(std::shared_ptr<NotificationCenter> center);
 
   using ContentHandler = std::function<void(const std::shared_ptr<UNNotificationContent>& content)>;
   using Attachments = std::vector<std::shared_ptr<UNNotificationAttachment>>;
@@ -72,6 +81,17 @@ class ZVRichNotificationHandler {
 
  private:
   ZVRichNotificationHandler();
+
+  // The one request flow: the plan, then (full flow only) the store, the downloads, then (full
+  // flow only) the shown event and the report, and the content handler, called exactly once.
+  void runRequestFlow(const std::shared_ptr<UNNotificationRequest>& request, bool full,
+                      ContentHandler contentHandler);
+  // Downloads the media side by side; completion as for getAttachmentsForNotification.
+  void downloadAttachments(const std::vector<std::shared_ptr<ZVMedia>>& media,
+                           std::function<void(const Attachments&)> completion);
+
+  mutable std::mutex mutex_;
+  std::shared_ptr<NotificationCenter> notificationCenter_;
 };
 
 }  // namespace zv

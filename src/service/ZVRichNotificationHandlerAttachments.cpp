@@ -4,12 +4,12 @@
 
 #include <mutex>
 
+#include "model/ZVMedia.h"
 #include "model/ZVRichNotifUtils.h"
 #include "platform/foundation/Exception.h"
 #include "platform/foundation/Log.h"
 #include "platform/foundation/OperationQueue.h"
 #include "reporting/ZVExtensionNetworkManager.h"
-#include "service/ZVMedia.h"
 #include "service/ZVRichNotificationHandler.h"
 
 namespace zv {
@@ -47,7 +47,12 @@ struct DownloadBatch {
 void ZVRichNotificationHandler::getAttachmentsForNotification(
     const std::shared_ptr<ZVPushPayload>& payload,
     std::function<void(const Attachments&)> completion) {
-  auto media = getMediaURLsFromPayload(payload);
+  downloadAttachments(getMediaURLsFromPayload(payload), std::move(completion));
+}
+
+void ZVRichNotificationHandler::downloadAttachments(
+    const std::vector<std::shared_ptr<ZVMedia>>& media,
+    std::function<void(const Attachments&)> completion) {
   if (media.empty()) {
     completion({});
     return;

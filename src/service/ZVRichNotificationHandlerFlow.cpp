@@ -10,6 +10,7 @@
 #include "platform/notifications/UNNotificationRequest.h"
 #include "platform/notifications/UNUserNotificationCenter.h"
 #include "reporting/ZVExtensionNetworkManager.h"
+#include "service/ServicePlan.h"
 #include "service/ZVRichNotificationHandler.h"
 #include "store/ZVExtensionDataManager.h"
 
@@ -24,39 +25,52 @@ void logException(const char* prefix, const Exception& e) {
   ZVRichNotifUtils::logWithMessage(prefix + e.description());
 }
 
-// The steps both flows share: the first envelope, the badge rule and both rewrites, then the
-// second envelope built from the rewritten user info (everything stored and downloaded from here
-// on comes from it). nullptr when the notification is not Zentrova's.
-std::shared_ptr<ZVPushPayload> rewrite(
-    ZVRichNotificationHandler& handler,
-    const std::shared_ptr<UNMutableNotificationContent>& content) {
-  auto first = ZVPushPayload::initWithPushPayload(content->userInfo());
-  if (!first->shouldProcessPushNotification()) return nullptr;
-  handler.updateBadgeWithNotificationContent(content);
-  handler.updateNotificationContent(content, first->richPush);
-  handler.updateNotificationDefaultActions(content, first->richPush);
-  return ZVPushPayload::initWithPushPayload(content->userInfo());
-}
-
 }  // namespace
 
 void ZVRichNotificationHandler::handleRichNotificationRequest(
     const std::shared_ptr<UNNotificationRequest>& request, ContentHandler contentHandler) {
-  std::shared_ptr<UNMutableNotificationContent> content = request->content()->mutableCopy();
+  runRequestFlow(request, true, std::move(contentHandler));
+}
+
+void ZVRichNotificationHandler::getLocalNotificationContentForRequest(
+    const std::shared_ptr<UNNotificationRequest>& request, ContentHandler completionHandler) {
+  runRequestFlow(request, false, std::move(completionHandler));
+}
+
+// Every path ends in exactly one call of the content handler: the plan's early ends, the guard of
+// the synchronous part, and the completion of the downloads with its own guard.
+void ZVRichNotificationHandler::runRequestFlow(
+    const std::shared_ptr<UNNotificationRequest>& request, bool full,
+    ContentHandler contentHandler) {
+  const auto flow = full ? ServicePlan::Flow::kFull : ServicePlan::Flow::kContentOnly;
+  ServicePlan plan = ServicePlan::make(*this, request, true);
+  auto content = plan.content;
   try {
-    auto payload = rewrite(*this, content);
-    if (!payload) {
+    if (!plan.payload) {
+      if (plan.failure) ZVRichNotifUtils::logWithMessage(plan.guardMessage(flow));
       contentHandler(content);
       return;
     }
-    auto& store = ZVExtensionDataManager::sharedManager();
-    store.configureDataManagerWithAppID(payload->zovAppId);
-    store.saveReceivedNotificationWithPayload(payload->pushPayloadDict);
-    store.saveEvent(kEventReceived, payload);
-    getAttachmentsForNotification(
-        payload, [content, payload, contentHandler](const Attachments& attachments) {
+    auto payload = plan.payload;
+    if (full) {
+      auto& store = ZVExtensionDataManager::sharedManager();
+      store.configureDataManagerWithAppID(payload->zovAppId);
+      store.saveReceivedNotificationWithPayload(payload->pushPayloadDict);
+      store.saveEvent(kEventReceived, payload);
+    }
+    if (plan.failure) {
+      ZVRichNotifUtils::logWithMessage(plan.guardMessage(flow));
+      contentHandler(content);
+      return;
+    }
+    downloadAttachments(
+        plan.media, [content, payload, full, contentHandler](const Attachments& attachments) {
           try {
             if (!attachments.empty()) content->setAttachments(attachments);
+            if (!full) {
+              contentHandler(content);
+              return;
+            }
             const auto& rich = payload->richPush;
             if (rich && rich->expandedMode &&
                 rich->expandedMode->templateType != ZVRichPushTemplateType::Invalid) {
@@ -72,34 +86,9 @@ void ZVRichNotificationHandler::handleRichNotificationRequest(
           }
         });
   } catch (const Exception& e) {
-    logException("Exception in creating attachment Rich notification: ", e);
+    plan.failure = e.description();
+    ZVRichNotifUtils::logWithMessage(plan.guardMessage(flow));
     contentHandler(content);
-  }
-}
-
-void ZVRichNotificationHandler::getLocalNotificationContentForRequest(
-    const std::shared_ptr<UNNotificationRequest>& request, ContentHandler completionHandler) {
-  std::shared_ptr<UNMutableNotificationContent> content = request->content()->mutableCopy();
-  try {
-    auto payload = rewrite(*this, content);
-    if (!payload) {
-      completionHandler(content);
-      return;
-    }
-    getAttachmentsForNotification(payload,
-                                  [content, completionHandler](const Attachments& attachments) {
-                                    try {
-                                      if (!attachments.empty())
-                                        content->setAttachments(attachments);
-                                      completionHandler(content);
-                                    } catch (const Exception& e) {
-                                      logException("Exception while getting attachments: ", e);
-                                      completionHandler(content);
-                                    }
-                                  });
-  } catch (const Exception& e) {
-    logException("Exception in creating attachment Rich notification : ", e);
-    completionHandler(content);
   }
 }
 
@@ -111,7 +100,7 @@ void ZVRichNotificationHandler::updateBadgeWithNotificationContent(
     if (badge.isNil() || badge.integerValue() != 1) return;
     // Not awaited: the new badge lands whenever the center answers; if the content was handed back
     // before that, the change is lost for this notification.
-    UNUserNotificationCenter::currentNotificationCenter()
+    UNUserNotificationCenter(notificationCenter())
         .getDeliveredNotificationsWithCompletionHandler(
             [content](const NotificationCenter::Notifications& delivered) {
               content->setBadge(

@@ -5,8 +5,8 @@
 #include "model/ZVPushPayload.h"
 #include "model/ZVRichNotifUtils.h"
 #include "model/ZVRichPush.h"
+#include "platform/Platform.h"
 #include "platform/defaults/UserDefaults.h"
-#include "platform/foundation/Platform.h"
 
 namespace zv {
 
@@ -64,9 +64,49 @@ json::array& asList(json::value& v) {
 
 }  // namespace
 
+namespace {
+std::mutex sharedMutex;
+bool sharedConfigured = false;
+
+ZVExtensionDataManager::Environment platformEnvironment() {
+  Platform& platform = Platform::shared();
+  return {platform.storeDirectory(), platform.bundleIdentifier(), platform.clock()};
+}
+}  // namespace
+
+ZVExtensionDataManager::ZVExtensionDataManager(Environment environment) {
+  setEnvironment(std::move(environment));
+}
+
 ZVExtensionDataManager& ZVExtensionDataManager::sharedManager() {
-  static ZVExtensionDataManager manager;
+  static ZVExtensionDataManager manager(platformEnvironment());
+  std::lock_guard lock(sharedMutex);
+  if (!sharedConfigured) {
+    manager.setEnvironment(platformEnvironment());
+    sharedConfigured = true;
+  }
   return manager;
+}
+
+void ZVExtensionDataManager::resetSharedManager() {
+  std::lock_guard lock(sharedMutex);
+  sharedConfigured = false;
+}
+
+void ZVExtensionDataManager::setEnvironment(Environment environment) {
+  if (!environment.clock) environment.clock = std::make_shared<SystemClock>();
+  std::lock_guard lock(mutex_);
+  environment_ = std::move(environment);
+}
+
+ZVExtensionDataManager::Environment ZVExtensionDataManager::environment() const {
+  std::lock_guard lock(mutex_);
+  return environment_;
+}
+
+std::shared_ptr<UserDefaults> ZVExtensionDataManager::standardUserDefaults() const {
+  Environment e = environment();
+  return UserDefaults::initWithSuiteName(e.bundleIdentifier, e.storeDirectory);
 }
 
 Value ZVExtensionDataManager::currentAppID() const {
@@ -91,14 +131,14 @@ Value ZVExtensionDataManager::appDictionary(UserDefaults& suite,
 
 void ZVExtensionDataManager::setAppGroupID(const std::optional<std::string>& appGroupID) {
   if (!appGroupID || appGroupID->empty()) return;
-  if (auto standard = UserDefaults::standardUserDefaults()) {
+  if (auto standard = standardUserDefaults()) {
     standard->setObject(Value(*appGroupID), kAppGroupIDKey);
     standard->synchronize();
   }
 }
 
 std::optional<std::string> ZVExtensionDataManager::getAppGroupID() {
-  auto standard = UserDefaults::standardUserDefaults();
+  auto standard = standardUserDefaults();
   if (!standard) return std::nullopt;
   Value id = standard->objectForKey(kAppGroupIDKey);
   if (!id.isString()) return std::nullopt;
@@ -110,7 +150,7 @@ bool ZVExtensionDataManager::appGroupIDProvided() { return getAppGroupID().has_v
 std::shared_ptr<UserDefaults> ZVExtensionDataManager::getZovUserDefaults() {
   auto id = getAppGroupID();
   if (!id) return nullptr;
-  return UserDefaults::initWithSuiteName(*id);
+  return UserDefaults::initWithSuiteName(*id, environment().storeDirectory);
 }
 
 // Design note on the application id: only a string names a per-application dictionary. A nil id
@@ -236,7 +276,7 @@ void ZVExtensionDataManager::saveReceivedNotificationWithPayload(const Value& pa
 
   // The record: the whole payload, its "zentrova" stamped with the moment of saving, fraction kept.
   json::object stamped = zentrova.mutableObjectCopy();
-  stamped[kReceivedEpochKey] = Platform::shared().clock()->now();
+  stamped[kReceivedEpochKey] = environment().clock->now();
   json::object record = payload.mutableObjectCopy();
   record[kZentrovaKey] = std::move(stamped);
 
@@ -319,8 +359,9 @@ Value ZVExtensionDataManager::getEventDictWithName(
   json::object record;
   record["EVENT_ACTION"] = name;
   record["EVENT_ATTRS"] = statsEventAttributesFromPayload(payload);
-  record["EVENT_G_TIME"] = ZVRichNotifUtils::getGMTtime();
-  record["EVENT_L_TIME"] = ZVRichNotifUtils::getLocalTime();
+  auto clock = environment().clock;
+  record["EVENT_G_TIME"] = ZVRichNotifUtils::getGMTtime(*clock);
+  record["EVENT_L_TIME"] = ZVRichNotifUtils::getLocalTime(*clock);
   record["N_I_E"] = 1;
   return Value(std::move(record));
 }

@@ -10,6 +10,7 @@
 
 #include <boost/json/object.hpp>
 #include <boost/json/value.hpp>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -17,6 +18,7 @@
 #include <string>
 #include <string_view>
 
+#include "platform/foundation/Clock.h"
 #include "platform/foundation/Value.h"
 
 namespace zv {
@@ -26,7 +28,19 @@ class UserDefaults;
 
 class ZVExtensionDataManager {
  public:
+  // Where the stores live and what stamps the records: given when the manager is made.
+  struct Environment {
+    std::filesystem::path storeDirectory;  // the folder of every suite
+    std::string bundleIdentifier;          // names the extension's own standard store
+    std::shared_ptr<Clock> clock;          // the system clock when null
+  };
+
+  // The one manager of the process. Its first use takes the environment from the platform object,
+  // and so does the first use after resetSharedManager() (tests), which keeps the current app id.
   static ZVExtensionDataManager& sharedManager();
+  static void resetSharedManager();
+
+  explicit ZVExtensionDataManager(Environment environment);
 
   // The application id of the notification being handled, stored as found in the payload (a string
   // in practice); nil until configured.
@@ -63,7 +77,9 @@ class ZVExtensionDataManager {
   void resetEventsData();
 
  private:
-  ZVExtensionDataManager() = default;
+  void setEnvironment(Environment environment);
+  Environment environment() const;
+  std::shared_ptr<UserDefaults> standardUserDefaults() const;
 
   // The application id as a key of the suite: only a string id names a per-application
   // dictionary; nullopt for nil and for ids of any other kind.
@@ -87,6 +103,7 @@ class ZVExtensionDataManager {
                          const std::function<void(boost::json::value& events)>& edit);
 
   mutable std::mutex mutex_;
+  Environment environment_;
   Value currentAppID_;
 };
 

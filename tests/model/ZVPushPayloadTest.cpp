@@ -8,6 +8,7 @@
 #include "model/ZVPushWidget.h"
 #include "model/ZVRichPush.h"
 #include "model/ZVRichPushMode.h"
+#include "platform/foundation/Exception.h"
 #include "support/TestSupport.h"
 
 namespace zv {
@@ -37,7 +38,6 @@ TEST(ZVPushPayloadTest, ProcessingAndRichPushOutcomes) {
       {R"({"zentrova":{"cid":null}})", false, ""},
       {R"({"zentrova":{"cid":""}})", true, ""},
       {R"({"zentrova":{"cid":[1]}})", true, ""},
-      {R"({"zentrova":"c1"})", false, ""},
       {R"({"zentrova":{"cid":"c","zovFeatures":{"richPush":{}}}})", true, ""},
       {R"("text")", false, wrong + "a dictionary but found string"},
       {R"({"zentrova":{"cid":"c"},"zovFeatures":"x"})", true,
@@ -67,6 +67,10 @@ TEST(ZVPushPayloadTest, ProcessingAndRichPushOutcomes) {
         << c.json;
     EXPECT_EQ(log.sink(), c.log.empty() ? std::vector<std::string>{} : std::vector{c.log})
         << c.json;
+  }
+  // A "zentrova" that is not a dictionary: looking up "cid" in it raises out of the envelope.
+  for (const char* json : {R"({"zentrova":"c1"})", R"({"zentrova":[{"cid":"c"}]})"}) {
+    EXPECT_THROW(ZVPushPayload::initWithPushPayload(Value::parse(json)), Exception) << json;
   }
 }
 

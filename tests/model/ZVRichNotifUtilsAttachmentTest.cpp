@@ -3,7 +3,7 @@
 #include <fstream>
 
 #include "model/ZVRichNotifUtils.h"
-#include "platform/foundation/Platform.h"
+#include "platform/foundation/FileManager.h"
 #include "platform/notifications/UNNotificationAttachment.h"
 #include "support/TestSupport.h"
 
@@ -18,9 +18,6 @@ std::string sample(const std::string& name) {
 
 class ZVRichNotifUtilsAttachmentTest : public ::testing::Test {
  protected:
-  void SetUp() override { Platform::shared().setTemporaryDirectory(tmp_.path() / "tmp"); }
-  void TearDown() override { Platform::shared().reset(); }
-
   // A finished download, as the URL session leaves it.
   Url download(const std::string& name, const std::string& bytes) {
     std::ofstream(downloads_.path() / name, std::ios::binary) << bytes;
@@ -30,6 +27,7 @@ class ZVRichNotifUtilsAttachmentTest : public ::testing::Test {
 
   zvtest::TempDir tmp_;
   zvtest::TempDir downloads_;
+  FileManager files_{tmp_.path() / "tmp"};
   zvtest::LogCapture log_;
 };
 
@@ -37,7 +35,7 @@ TEST_F(ZVRichNotifUtilsAttachmentTest, MovesTheDownloadIntoAttachmentsAndReplace
   const std::string id = "0cc175b9c0f1b6a831c399e269772661";
   const std::string name = id + ".png";
   Url first = download("download-1.tmp", sample("sample.png"));
-  auto a = ZVRichNotifUtils::createWithID(id, name, first);
+  auto a = ZVRichNotifUtils::createWithID(id, name, first, files_);
   ASSERT_TRUE(a);
   EXPECT_EQ(a->identifier(), id);
   EXPECT_EQ(a->URL().filePath(), attachments() / name);
@@ -46,7 +44,7 @@ TEST_F(ZVRichNotifUtilsAttachmentTest, MovesTheDownloadIntoAttachmentsAndReplace
 
   // The same URL in a later notification: the file of that name is replaced.
   Url second = download("download-2.tmp", sample("sample.gif"));
-  auto b = ZVRichNotifUtils::createWithID(id, name, second);
+  auto b = ZVRichNotifUtils::createWithID(id, name, second, files_);
   ASSERT_TRUE(b);
   EXPECT_EQ(b->type(), "image/gif");
   EXPECT_EQ(zvtest::readFile(attachments() / name), sample("sample.gif"));
@@ -56,7 +54,7 @@ TEST_F(ZVRichNotifUtilsAttachmentTest, MovesTheDownloadIntoAttachmentsAndReplace
 TEST_F(ZVRichNotifUtilsAttachmentTest, FailuresMakeNoAttachment) {
   // A download that is not media is moved, then refused, with the error on the log sink.
   Url text = download("page.tmp", "<html>not found</html>");
-  EXPECT_FALSE(ZVRichNotifUtils::createWithID("id", "id.png", text));
+  EXPECT_FALSE(ZVRichNotifUtils::createWithID("id", "id.png", text, files_));
   ASSERT_EQ(log_.sink().size(), 1u);
   EXPECT_EQ(log_.sink()[0],
             "Error Domain=ZVNotificationAttachmentErrorDomain Code=101 \"The attachment file " +
@@ -64,15 +62,15 @@ TEST_F(ZVRichNotifUtilsAttachmentTest, FailuresMakeNoAttachment) {
 
   // A download that vanished: the move fails and its error is logged.
   Url gone = Url::fileUrl(downloads_.path() / "gone.tmp");
-  EXPECT_FALSE(ZVRichNotifUtils::createWithID("id", "id.png", gone));
+  EXPECT_FALSE(ZVRichNotifUtils::createWithID("id", "id.png", gone, files_));
   ASSERT_EQ(log_.sink().size(), 2u);
   EXPECT_EQ(log_.sink()[1].rfind("Error Domain=ZVFileErrorDomain Code=260 ", 0), 0u);
 
   // A temporary folder below a regular file: no attachments folder, no attachment, no message.
   std::ofstream(tmp_.path() / "blocker") << "x";
-  Platform::shared().setTemporaryDirectory(tmp_.path() / "blocker" / "tmp");
+  files_ = FileManager(tmp_.path() / "blocker" / "tmp");
   Url image = download("image.tmp", sample("sample.jpg"));
-  EXPECT_FALSE(ZVRichNotifUtils::createWithID("id", "id.jpg", image));
+  EXPECT_FALSE(ZVRichNotifUtils::createWithID("id", "id.jpg", image, files_));
   EXPECT_EQ(log_.sink().size(), 2u);
   EXPECT_TRUE(fs::exists(image.filePath()));
 }

@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
 #include "model/ZVRichNotifUtils.h"
+#include "platform/foundation/Clock.h"
 #include "platform/foundation/Exception.h"
-#include "platform/foundation/Platform.h"
 
 namespace zv {
 namespace {
@@ -42,12 +42,10 @@ TEST(ZVRichNotifUtilsLookupTest, MandatoryExceptionAndTimeStamps) {
     EXPECT_EQ(e.description(), "Rich Push Payload Mandatory Params Missing");
   }
   // 2023-11-14 22:13:20.999 UTC, shown in a zone one hour ahead.
-  Platform::shared().setClock(std::make_shared<FixedClock>(1700000000.999, 3600));
-  EXPECT_EQ(ZVRichNotifUtils::getGMTtime(), "1700000000");
-  EXPECT_EQ(ZVRichNotifUtils::getLocalTime(), "14:11:2023:23:13:20");
-  Platform::shared().setClock(std::make_shared<FixedClock>(1709658249, 0));
-  EXPECT_EQ(ZVRichNotifUtils::getLocalTime(), "05:03:2024:17:04:09");
-  Platform::shared().setClock(nullptr);
+  const FixedClock ahead(1700000000.999, 3600);
+  EXPECT_EQ(ZVRichNotifUtils::getGMTtime(ahead), "1700000000");
+  EXPECT_EQ(ZVRichNotifUtils::getLocalTime(ahead), "14:11:2023:23:13:20");
+  EXPECT_EQ(ZVRichNotifUtils::getLocalTime(FixedClock(1709658249, 0)), "05:03:2024:17:04:09");
 }
 
 }  // namespace

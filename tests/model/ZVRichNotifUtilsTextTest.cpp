@@ -4,7 +4,6 @@
 
 #include "model/ZVRichNotifUtils.h"
 #include "platform/foundation/Exception.h"
-#include "platform/foundation/Platform.h"
 #include "platform/text/FixedAdvanceTextMeasurer.h"
 #include "platform/text/StyledText.h"
 #include "support/TestSupport.h"
@@ -126,18 +125,14 @@ TEST(ZVRichNotifUtilsTextTest, ParagraphWrappersReadMarkupAsHtml) {
 }
 
 TEST(ZVRichNotifUtilsTextTest, HeightIsMeasuredWithoutLineBreaks) {
-  Platform::shared().setTextMeasurer(nullptr);
-  EXPECT_EQ(U::getHeightForText(std::nullopt, 100, Font::systemFont(17)), 0.0);
-  EXPECT_THROW(U::getHeightForText(std::string("x"), 100, Font::systemFont(17)), Exception);
-
   // 0.5 em per character, 1.2 em per line: 10 px and 24 px at 20 px; 10 characters per line.
-  Platform::shared().setTextMeasurer(std::make_shared<FixedAdvanceTextMeasurer>());
+  FixedAdvanceTextMeasurer m;
+  EXPECT_EQ(U::getHeightForText(std::nullopt, 100, Font::systemFont(17), m), 0.0);
   const Font font = Font::systemFont(20);
-  EXPECT_EQ(U::getHeightForText(std::string("aaaa\nbbbb\ncccc"), 100, font), 48.0);
-  EXPECT_EQ(U::getHeightForText(std::string("aaaabbbbcccc"), 100, font), 48.0);
-  EXPECT_EQ(U::getHeightForText(std::string("\n\n"), 100, font), 0.0);
-  EXPECT_EQ(U::getHeightForText(std::string("one two three four five"), 100, font), 72.0);
-  Platform::shared().setTextMeasurer(nullptr);
+  EXPECT_EQ(U::getHeightForText(std::string("aaaa\nbbbb\ncccc"), 100, font, m), 48.0);
+  EXPECT_EQ(U::getHeightForText(std::string("aaaabbbbcccc"), 100, font, m), 48.0);
+  EXPECT_EQ(U::getHeightForText(std::string("\n\n"), 100, font, m), 0.0);
+  EXPECT_EQ(U::getHeightForText(std::string("one two three four five"), 100, font, m), 72.0);
 }
 
 }  // namespace

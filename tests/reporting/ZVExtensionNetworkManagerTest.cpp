@@ -5,14 +5,15 @@
 #include <future>
 #include <limits>
 
+#include "platform/Platform.h"
 #include "platform/defaults/UserDefaults.h"
 #include "platform/foundation/Exception.h"
-#include "platform/foundation/Platform.h"
 #include "platform/net/UrlSession.h"
 #include "reporting/ReportsBody.h"
 #include "reporting/ZVExtensionNetworkManager.h"
 #include "store/ZVExtensionDataManager.h"
 #include "support/LocalServer.h"
+#include "support/ProcessStateReset.h"
 #include "support/TestCertificates.h"
 #include "support/TestSupport.h"
 
@@ -36,9 +37,8 @@ constexpr char kEvents[] = R"([
 class ReportsTest : public ::testing::TestWithParam<LocalServer::Scheme> {
  protected:
   void SetUp() override {
-    Platform::shared().setStoreDirectory(dir.path());
-    Platform::shared().setExtraCaFile(zvtest::testTlsFiles().caCert.string());
-    manager.setNetworkSession(UrlSession::sessionWithConfiguration({}));
+    manager.setNetworkSession(UrlSession::sessionWithConfiguration(
+        {.extraCaFile = zvtest::testTlsFiles().caCert.string(), .temporaryDirectory = dir.path()}));
     store.setAppGroupID(kGroup);
     hostSets("zov_params", R"({"sdk": "1", "os": "linux"})");
     hostSets("zov_reports_scheme",
@@ -48,13 +48,10 @@ class ReportsTest : public ::testing::TestWithParam<LocalServer::Scheme> {
     hostSets("APP1", std::string(R"({"zov_events": )") + kEvents + "}");
     store.configureDataManagerWithAppID(Value("APP1"));
   }
-  void TearDown() override {
-    manager.setNetworkSession(nullptr);
-    Platform::shared().reset();
-  }
+  void TearDown() override { manager.setNetworkSession(nullptr); }
 
   void hostSets(const char* key, const std::string& json) {
-    UserDefaults::initWithSuiteName(kGroup)->setObject(Value::parse(json), key);
+    UserDefaults::initWithSuiteName(kGroup, dir.path())->setObject(Value::parse(json), key);
   }
   json::value storedEvents() {
     Value v = store.getReceivedEvents();
@@ -80,9 +77,15 @@ class ReportsTest : public ::testing::TestWithParam<LocalServer::Scheme> {
     return *calls;
   }
 
+  zvtest::ProcessStateReset state;
   zvtest::TempDir dir;
   zvtest::LogCapture log;
   LocalServer server{GetParam()};
+  // The stores live in dir from the shared objects' first use on.
+  bool platformSet = [this] {
+    zv::Platform::shared().setStoreDirectory(dir.path());
+    return true;
+  }();
   ZVExtensionDataManager& store = ZVExtensionDataManager::sharedManager();
   ZVExtensionNetworkManager& manager = ZVExtensionNetworkManager::sharedManager();
 };

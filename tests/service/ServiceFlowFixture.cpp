@@ -3,13 +3,15 @@
 #include <chrono>
 #include <future>
 
+#include "platform/Platform.h"
 #include "platform/defaults/UserDefaults.h"
-#include "platform/foundation/Platform.h"
+#include "platform/net/UrlSession.h"
 #include "platform/notifications/NotificationCenter.h"
 #include "platform/notifications/UNNotificationContent.h"
 #include "platform/notifications/UNNotificationRequest.h"
 #include "reporting/ZVExtensionNetworkManager.h"
 #include "service/ZVRichNotification.h"
+#include "service/ZVRichNotificationHandler.h"
 #include "store/ZVExtensionDataManager.h"
 
 namespace zvtest {
@@ -30,7 +32,7 @@ void ServiceFlowFixture::SetUp() {
   platform.setNotificationCenter(center);
   zv::ZVRichNotification::setAppGroupID(kAppGroup);
   // Configured as the host application does: query parameters and the reports endpoint.
-  suite = zv::UserDefaults::initWithSuiteName(kAppGroup);
+  suite = zv::UserDefaults::initWithSuiteName(kAppGroup, dir.path() / "store");
   suite->setObject(json::object{{"sdk", "cpp"}, {"device", "test"}}, "zov_params");
   suite->setObject(zv::Value("127.0.0.1"), "zov_reports_host");
   suite->setObject(zv::Value("http"), "zov_reports_scheme");
@@ -38,15 +40,14 @@ void ServiceFlowFixture::SetUp() {
 }
 
 void ServiceFlowFixture::TearDown() {
-  zv::Platform::shared().setNotificationCenter(nullptr);
   // A new session for the next test: closing this one's kept-alive connections lets the server
   // stop at once.
   zv::ZVExtensionNetworkManager::sharedManager().setNetworkSession(nullptr);
   zv::Platform::shared().setUrlSession(nullptr);
 }
 
-std::shared_ptr<zv::UNNotificationContent> ServiceFlowFixture::run(const json::object& p,
-                                                                   bool contentOnly) {
+std::shared_ptr<zv::UNNotificationContent> ServiceFlowFixture::run(
+    const json::object& p, bool contentOnly, const std::function<void()>& meanwhile) {
   auto request = zv::UNNotificationRequest::requestWithRemoteNotification("req-1", zv::Value(p));
   auto promise = std::make_shared<std::promise<std::shared_ptr<zv::UNNotificationContent>>>();
   auto future = promise->get_future();
@@ -59,12 +60,21 @@ std::shared_ptr<zv::UNNotificationContent> ServiceFlowFixture::run(const json::o
   } else {
     zv::ZVRichNotification::handleRichNotificationRequest(request, handler);
   }
+  if (meanwhile) meanwhile();
   if (future.wait_for(std::chrono::seconds(20)) != std::future_status::ready) {
     ADD_FAILURE() << "the content handler was not called";
     return nullptr;
   }
-  // A second call would come right after the first; give it a moment to show.
-  std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  // A second call would come from the download queue or from a task completion of the session:
+  // once both are drained, every call has been made.
+  zv::ZVRichNotificationHandler::sharedHandler()
+      .imageDownloadOperationQueue->waitUntilAllOperationsAreFinished();
+  auto drained = std::make_shared<std::promise<void>>();
+  zv::ZVExtensionNetworkManager::sharedManager()
+      .getZoVURLSession()
+      ->dataTaskWithRequest(zv::UrlRequest(), [=](auto...) { drained->set_value(); })
+      ->resume();
+  drained->get_future().wait();
   handlerCalls = calls->load();
   return future.get();
 }

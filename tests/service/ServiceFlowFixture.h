@@ -6,12 +6,14 @@
 #include <gtest/gtest.h>
 
 #include <boost/json.hpp>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "platform/foundation/Value.h"
 #include "support/LocalServer.h"
+#include "support/ProcessStateReset.h"
 #include "support/TestSupport.h"
 
 namespace zv {
@@ -31,9 +33,12 @@ class ServiceFlowFixture : public ::testing::Test {
   void TearDown() override;
 
   // Runs the full flow (or the content-only flow) and returns the content handed back, failing the
-  // test when the handler is not called within 20 seconds. handlerCalls counts every call.
+  // test when the handler is not called within 20 seconds. meanwhile runs once the flow has
+  // started. handlerCalls counts every call, counted once the flow's queues and session are
+  // drained.
   std::shared_ptr<zv::UNNotificationContent> run(const boost::json::object& payload,
-                                                 bool contentOnly = false);
+                                                 bool contentOnly = false,
+                                                 const std::function<void()>& meanwhile = {});
   // A Zentrova payload: "aps" with an alert dictionary, "zentrova" with cid and app id, and the
   // given rich push (omitted when null).
   boost::json::object payload(const boost::json::value& richPush = nullptr) const;
@@ -47,6 +52,7 @@ class ServiceFlowFixture : public ::testing::Test {
   // Serves a real PNG file under path.
   void servePng(const std::string& path);
 
+  ProcessStateReset state;  // first: restores the process after everything else is gone
   TempDir dir;
   LocalServer server;
   LogCapture logs;

@@ -3,12 +3,13 @@
 #include <boost/json.hpp>
 #include <filesystem>
 #include <fstream>
+#include <future>
 #include <set>
 
 #include "model/ZVRichNotifUtils.h"
+#include "platform/Platform.h"
 #include "platform/defaults/UserDefaults.h"
 #include "platform/foundation/Md5.h"
-#include "platform/foundation/Platform.h"
 #include "platform/net/UrlSession.h"
 #include "platform/notifications/NotificationCenter.h"
 #include "platform/notifications/UNNotificationAttachment.h"
@@ -133,12 +134,19 @@ TEST_F(ServiceFlowTest, DefaultActionsMoveIntoZentrovaAndAppExtra) {
 
 TEST_F(ServiceFlowTest, BadgeOfOneCountsTheDeliveredNotifications) {
   center->setShownCount(3);
-  server.setLatency(std::chrono::milliseconds(200));  // the center answers well before delivery
   const std::pair<json::value, json::value> cases[] = {{1, 4}, {0, 0}, {2, 2}, {nullptr, nullptr}};
   for (const auto& [sent, shown] : cases) {
     json::object p = payload();
     if (!sent.is_null()) p["aps"].as_object()["badge"] = sent;
-    auto content = run(p);
+    // The report waits at the server until the center has answered the badge query (it answers in
+    // order, so once it answers a later query the flow's answer has landed).
+    server.holdAnswers();
+    auto content = run(p, false, [&] {
+      std::promise<void> answered;
+      center->getDeliveredNotifications([&](const auto&) { answered.set_value(); });
+      answered.get_future().wait();
+      server.releaseAnswers();
+    });
     ASSERT_TRUE(content);
     Value badge = content->badge();
     EXPECT_EQ(badge.isNil() ? json::value(nullptr) : badge.json(), shown) << sent;

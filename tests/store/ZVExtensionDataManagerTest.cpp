@@ -8,7 +8,6 @@
 #include "model/ZVRichNotifUtils.h"
 #include "model/ZVRichPush.h"
 #include "platform/defaults/UserDefaults.h"
-#include "platform/foundation/Platform.h"
 #include "store/ZVExtensionDataManager.h"
 #include "support/TestSupport.h"
 
@@ -21,17 +20,10 @@ constexpr char kGroup[] = "group.com.example.app";
 
 class ZVExtensionDataManagerTest : public ::testing::Test {
  protected:
-  void SetUp() override {
-    Platform::shared().setStoreDirectory(dir.path());
-    Platform::shared().setBundleIdentifier("com.example.app.service");
-    // 2023-11-14 22:13:20.25 UTC, in a zone one hour ahead.
-    Platform::shared().setClock(std::make_shared<FixedClock>(1700000000.25, 3600));
-    m.configureDataManagerWithAppID(Value());  // no app group yet: only forgets the last id
-  }
-  void TearDown() override { Platform::shared().reset(); }
-
   // The host application's view of the shared suite.
-  std::shared_ptr<UserDefaults> host() { return UserDefaults::initWithSuiteName(kGroup); }
+  std::shared_ptr<UserDefaults> host() {
+    return UserDefaults::initWithSuiteName(kGroup, dir.path());
+  }
   void hostSets(const char* key, const char* json) { host()->setObject(Value::parse(json), key); }
   json::value stored(const char* key) {
     Value v = host()->objectForKey(key);
@@ -57,7 +49,9 @@ class ZVExtensionDataManagerTest : public ::testing::Test {
   }
 
   zvtest::TempDir dir;
-  ZVExtensionDataManager& m = ZVExtensionDataManager::sharedManager();
+  // 2023-11-14 22:13:20.25 UTC, in a zone one hour ahead.
+  ZVExtensionDataManager m{
+      {dir.path(), "com.example.app.service", std::make_shared<FixedClock>(1700000000.25, 3600)}};
 };
 
 constexpr char kPayload[] =
@@ -86,7 +80,8 @@ TEST_F(ZVExtensionDataManagerTest, WithoutAnAppGroupReadsGiveNothingAndWritesAre
   m.setAppGroupID("group.first");
   m.setAppGroupID("");
   m.setAppGroupID(std::nullopt);
-  EXPECT_EQ(UserDefaults::standardUserDefaults()->objectForKey("zov_app_group_ID"),
+  EXPECT_EQ(UserDefaults::initWithSuiteName("com.example.app.service", dir.path())
+                ->objectForKey("zov_app_group_ID"),
             Value("group.first"));
   EXPECT_TRUE(m.appGroupIDProvided());
   EXPECT_EQ(m.getZovUserDefaults()->suiteName(), "group.first");

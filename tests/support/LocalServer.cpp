@@ -53,6 +53,7 @@ LocalServer::~LocalServer() {
     stopping_ = true;
   }
   stopped_.notify_all();
+  gate_.notify_all();
   server_->stop();
   thread_.join();
 }
@@ -73,9 +74,22 @@ void LocalServer::setPostStatus(int status) {
   postStatus_ = status;
 }
 
-void LocalServer::setLatency(std::chrono::milliseconds latency) {
+void LocalServer::holdAnswers() {
   std::lock_guard lock(mutex_);
-  latency_ = latency;
+  held_ = true;
+}
+
+void LocalServer::releaseAnswers() {
+  {
+    std::lock_guard lock(mutex_);
+    held_ = false;
+  }
+  gate_.notify_all();
+}
+
+void LocalServer::awaitHeldRequest() {
+  std::unique_lock lock(mutex_);
+  gate_.wait(lock, [this] { return waiting_ > 0 || stopping_; });
 }
 
 std::vector<LocalServer::Request> LocalServer::requests() const {
@@ -116,12 +130,13 @@ void LocalServer::installRoutes() {
   using httplib::Request;
   using httplib::Response;
   server_->set_pre_routing_handler([this](const Request&, Response&) {
-    std::chrono::milliseconds latency;
-    {
-      std::lock_guard lock(mutex_);
-      latency = latency_;
+    std::unique_lock lock(mutex_);
+    if (held_) {
+      ++waiting_;
+      gate_.notify_all();
+      gate_.wait(lock, [this] { return !held_ || stopping_; });
+      --waiting_;
     }
-    if (latency.count() > 0) pause(latency);
     return httplib::Server::HandlerResponse::Unhandled;
   });
   server_->Get(R"(/status/(\d+))", [this](const Request& req, Response& res) {

@@ -58,8 +58,11 @@ class LocalServer {
                std::string contentType = "application/octet-stream",
                std::chrono::milliseconds delay = std::chrono::milliseconds(0));
   void setPostStatus(int status);
-  // Delays every answer by this much.
-  void setLatency(std::chrono::milliseconds latency);
+  // While held, every request waits unanswered at a gate; releasing lets them through.
+  void holdAnswers();
+  void releaseAnswers();
+  // Blocks until a request waits at the gate.
+  void awaitHeldRequest();
   std::vector<Request> requests() const;
 
   // The bytes /bytes/<n> and /chunked/<n> send.
@@ -82,7 +85,9 @@ class LocalServer {
   std::condition_variable stopped_;
   bool stopping_ = false;
   int postStatus_ = 200;
-  std::chrono::milliseconds latency_{0};
+  bool held_ = false;
+  int waiting_ = 0;
+  std::condition_variable gate_;
   struct File {
     std::string body;
     std::string contentType;

@@ -13,6 +13,7 @@
 #include "Command.h"
 #include "JsonIO.h"
 #include "model/ZVRichNotifUtils.h"
+#include "platform/Platform.h"
 #include "platform/foundation/Exception.h"
 #include "platform/foundation/Log.h"
 #include "platform/text/HtmlImporter.h"
@@ -95,13 +96,18 @@ int run(const Args& args) {
     zv::Font font = text->fontAt(0).value_or(zv::Font::systemFont(17));
 #ifdef ZVPUSH_CONTENT
     try {
-      zv::installPangoTextMeasurer();
+      zv::Platform::shared().setTextMeasurer(std::make_shared<zv::PangoTextMeasurer>());
     } catch (const zv::Exception& e) {
       std::cerr << "zvpush: " << e.reason() << "\n";
       return kFailure;
     }
 #endif
-    double height = zv::ZVRichNotifUtils::getHeightForText(text->string(), *width, font);
+    auto measurer = zv::Platform::shared().textMeasurer();
+    if (!measurer) {
+      std::cerr << "zvpush: no text measurer in this program\n";
+      return kFailure;
+    }
+    double height = zv::ZVRichNotifUtils::getHeightForText(text->string(), *width, font, *measurer);
     std::cout << pretty(json::object{{"text", text->string()},
                                      {"width", *width},
                                      {"font", fontJson(font)},

@@ -5,10 +5,10 @@
 #include "ArgParser.h"
 #include "Command.h"
 #include "JsonIO.h"
-#include "platform/foundation/ExactJson.h"
+#include "platform/Platform.h"
 #include "platform/defaults/UserDefaults.h"
+#include "platform/foundation/ExactJson.h"
 #include "platform/foundation/Exception.h"
-#include "platform/foundation/Platform.h"
 
 namespace zvpush {
 
@@ -34,7 +34,7 @@ int runStore(const Args& args) {
   const std::string& action = positional[0];
 
   if (auto dir = parser.value("--store")) zv::Platform::shared().setStoreDirectory(*dir);
-  auto suite = zv::UserDefaults::initWithSuiteName(*group);
+  auto suite = zv::UserDefaults::initWithSuiteName(*group, zv::Platform::shared().storeDirectory());
   if (!suite) throw UsageError("'" + *group + "' cannot name an app group store");
 
   auto unavailable = [&] {

@@ -10,15 +10,11 @@
 #include <ctime>
 
 #include "platform/foundation/Log.h"
+#include "platform/foundation/UniqueHandle.h"
 
 namespace zv {
 
 namespace {
-
-bool isDamage(int rc) {
-  int primary = rc & 0xff;
-  return primary == SQLITE_CORRUPT || primary == SQLITE_NOTADB;
-}
 
 // An exclusive lock on a folder, released when the object goes.
 class FolderLock {
@@ -37,24 +33,31 @@ class FolderLock {
   int fd_;
 };
 
+using Statement = UniqueHandle<sqlite3_stmt, sqlite3_finalize>;
+
 // Runs one statement and reads the first column of its first row as text ("" when none).
 int queryText(sqlite3* db, const char* sql, std::string* out) {
-  sqlite3_stmt* s = nullptr;
-  int rc = sqlite3_prepare_v2(db, sql, -1, &s, nullptr);
+  sqlite3_stmt* raw = nullptr;
+  int rc = sqlite3_prepare_v2(db, sql, -1, &raw, nullptr);
+  Statement s(raw);
   if (rc != SQLITE_OK) return rc;
   out->clear();
-  rc = sqlite3_step(s);
+  rc = sqlite3_step(s.get());
   if (rc == SQLITE_ROW) {
-    if (const unsigned char* t = sqlite3_column_text(s, 0)) {
+    if (const unsigned char* t = sqlite3_column_text(s.get(), 0)) {
       out->assign(reinterpret_cast<const char*>(t));
     }
-    while (rc == SQLITE_ROW) rc = sqlite3_step(s);
+    while (rc == SQLITE_ROW) rc = sqlite3_step(s.get());
   }
-  sqlite3_finalize(s);
   return rc == SQLITE_DONE ? SQLITE_OK : rc;
 }
 
 }  // namespace
+
+bool SqliteFile::isDamage(int rc) {
+  int primary = rc & 0xff;
+  return primary == SQLITE_CORRUPT || primary == SQLITE_NOTADB;
+}
 
 std::optional<SqliteFile::Opened> SqliteFile::open(const std::filesystem::path& path,
                                                    std::string* reason) {
@@ -81,15 +84,15 @@ std::optional<SqliteFile::Opened> SqliteFile::open(const std::filesystem::path& 
 std::optional<SqliteFile::Opened> SqliteFile::tryOpen(const std::filesystem::path& path,
                                                       std::string* reason, bool* damaged) {
   *damaged = false;
-  sqlite3* db = nullptr;
+  sqlite3* db = nullptr;  // owned by owner until it is handed out
   // Symbolic links are refused: the store never follows a link out of its folder.
   int flags =
       SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_NOFOLLOW;
   int rc = sqlite3_open_v2(path.c_str(), &db, flags, nullptr);
+  UniqueHandle<sqlite3, sqlite3_close_v2> owner(db);
   auto failed = [&](std::string why, bool isDamaged) -> std::optional<Opened> {
     *reason = std::move(why);
     *damaged = isDamaged;
-    sqlite3_close_v2(db);
     return std::nullopt;
   };
   auto failedWith = [&](int code, std::string_view what) {
@@ -140,7 +143,7 @@ std::optional<SqliteFile::Opened> SqliteFile::tryOpen(const std::filesystem::pat
   if (rc != SQLITE_OK) return failedWith(rc, "cannot create the table");
   struct stat st {};
   if (::stat(path.c_str(), &st) != 0) return failedWith(SQLITE_CANTOPEN, "cannot find the file");
-  return Opened{db, st.st_dev, st.st_ino};
+  return Opened{owner.release(), st.st_dev, st.st_ino};
 }
 
 bool SqliteFile::moveAside(const std::filesystem::path& path, const std::string& why,

@@ -34,6 +34,9 @@ class SqliteFile {
   // nullopt when the folder cannot be written or the file cannot be opened; *reason says why.
   static std::optional<Opened> open(const std::filesystem::path& path, std::string* reason);
 
+  // Whether a result code says the file is damaged (not a database, or a corrupt one).
+  static bool isDamage(int rc);
+
  private:
   // One attempt. *damaged tells a damaged file from one that cannot be opened at all.
   static std::optional<Opened> tryOpen(const std::filesystem::path& path, std::string* reason,

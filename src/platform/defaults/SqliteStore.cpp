@@ -10,8 +10,8 @@
 #include <cstring>
 #include <initializer_list>
 
-#include "platform/foundation/ExactJson.h"
 #include "platform/defaults/SqliteFile.h"
+#include "platform/foundation/ExactJson.h"
 #include "platform/foundation/Exception.h"
 #include "platform/foundation/Log.h"
 
@@ -47,8 +47,6 @@ bool runSimple(sqlite3_stmt* statement) {
 
 }  // namespace
 
-void SqliteStore::StatementDeleter::operator()(sqlite3_stmt* s) const { sqlite3_finalize(s); }
-
 SqliteStore::SqliteStore(std::filesystem::path path, sqlite3* db, dev_t device, ino_t inode)
     : path_(std::move(path)),
       db_(db),
@@ -62,7 +60,7 @@ SqliteStore::~SqliteStore() {
                        &commit_, &rollback_}) {
     s->reset();
   }
-  sqlite3_close_v2(db_);
+  db_.reset();
 }
 
 std::shared_ptr<SqliteStore> SqliteStore::open(const std::filesystem::path& path,
@@ -94,8 +92,9 @@ bool SqliteStore::prepare(std::string* reason) {
   };
   for (const Entry& e : entries) {
     sqlite3_stmt* s = nullptr;
-    if (sqlite3_prepare_v3(db_, e.sql, -1, SQLITE_PREPARE_PERSISTENT, &s, nullptr) != SQLITE_OK) {
-      *reason = fmt::format("cannot prepare: {}", sqlite3_errmsg(db_));
+    if (sqlite3_prepare_v3(db_.get(), e.sql, -1, SQLITE_PREPARE_PERSISTENT, &s, nullptr) !=
+        SQLITE_OK) {
+      *reason = fmt::format("cannot prepare: {}", sqlite3_errmsg(db_.get()));
       return false;
     }
     e.statement->reset(s);
@@ -122,17 +121,16 @@ void SqliteStore::abandon() {
                        &commit_, &rollback_}) {
     (void)s->release();
   }
-  db_ = nullptr;
+  (void)db_.release();
   broken_ = true;
   cache_.clear();
 }
 
 void SqliteStore::fail(int rc, std::string_view what) {
-  int primary = rc & 0xff;
-  if (primary == SQLITE_CORRUPT || primary == SQLITE_NOTADB) broken_ = true;
+  if (SqliteFile::isDamage(rc)) broken_ = true;
   if (depth_ > 0) transactionFailed_ = true;
   log::system(fmt::format("Zentrova store {}: could not {}: {}", path_.string(), what,
-                          db_ ? sqlite3_errmsg(db_) : sqlite3_errstr(rc)));
+                          db_ ? sqlite3_errmsg(db_.get()) : sqlite3_errstr(rc)));
 }
 
 void SqliteStore::noticeOtherWriters() {

@@ -14,6 +14,7 @@
 // aside. All members are thread-safe (one recursive lock per store).
 #pragma once
 
+#include <sqlite3.h>
 #include <sys/types.h>
 
 #include <boost/json/object.hpp>
@@ -26,10 +27,8 @@
 #include <string_view>
 
 #include "platform/defaults/ValueCache.h"
+#include "platform/foundation/UniqueHandle.h"
 #include "platform/foundation/Value.h"
-
-struct sqlite3;
-struct sqlite3_stmt;
 
 namespace zv {
 
@@ -68,10 +67,7 @@ class SqliteStore {
   bool transaction(const std::function<void()>& body);
 
  private:
-  struct StatementDeleter {
-    void operator()(sqlite3_stmt* s) const;
-  };
-  using Statement = std::unique_ptr<sqlite3_stmt, StatementDeleter>;
+  using Statement = UniqueHandle<sqlite3_stmt, sqlite3_finalize>;
   // A value read from the file.
   struct Loaded {
     bool ok = false;  // false: the read failed (reported)
@@ -95,7 +91,7 @@ class SqliteStore {
   void rollback();
 
   std::filesystem::path path_;
-  sqlite3* db_;
+  UniqueHandle<sqlite3, sqlite3_close_v2> db_;
   dev_t device_;
   ino_t inode_;
   bool broken_ = false;

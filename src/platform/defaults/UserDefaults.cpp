@@ -5,7 +5,6 @@
 #include "platform/defaults/SqliteStore.h"
 #include "platform/defaults/SqliteStorePool.h"
 #include "platform/foundation/Md5.h"
-#include "platform/foundation/Platform.h"
 
 namespace zv {
 
@@ -44,15 +43,12 @@ std::optional<std::string> UserDefaults::fileNameForSuite(std::string_view suite
   return stem + ".sqlite";
 }
 
-std::shared_ptr<UserDefaults> UserDefaults::initWithSuiteName(std::string_view suiteName) {
+std::shared_ptr<UserDefaults> UserDefaults::initWithSuiteName(std::string_view suiteName,
+                                                              const std::filesystem::path& folder) {
   auto file = fileNameForSuite(suiteName);
   if (!file) return nullptr;
-  auto store = SqliteStorePool::acquire(Platform::shared().storeDirectory() / *file);
+  auto store = SqliteStorePool::acquire(folder / *file);
   return std::shared_ptr<UserDefaults>(new UserDefaults(std::string(suiteName), std::move(store)));
-}
-
-std::shared_ptr<UserDefaults> UserDefaults::standardUserDefaults() {
-  return initWithSuiteName(Platform::shared().bundleIdentifier());
 }
 
 Value UserDefaults::objectForKey(std::string_view key) const {

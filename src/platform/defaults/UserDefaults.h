@@ -3,7 +3,7 @@
 // the app group id). Each top-level key holds one value of any JSON kind, kept exactly: 443 stays
 // an integer, 1700000000.25 stays a floating-point number, arrays and dictionaries at any depth.
 //
-// A suite is one SQLite file in Platform::shared().storeDirectory(), which every process of the
+// A suite is one SQLite file in the store folder it is opened in, which every process of the
 // app group can read and write at once. Every write is committed before it returns, so
 // synchronize() has nothing left to do. transaction() and update() make a read-modify-write atomic
 // across threads and processes.
@@ -15,6 +15,7 @@
 #pragma once
 
 #include <boost/json/object.hpp>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -29,11 +30,11 @@ class SqliteStore;
 
 class UserDefaults {
  public:
-  // A handle on the suite with this name; nullptr (nil) when the name cannot name a store file
-  // (empty, or dots only).
-  static std::shared_ptr<UserDefaults> initWithSuiteName(std::string_view suiteName);
-  // The process's own store: the suite named after Platform::shared().bundleIdentifier().
-  static std::shared_ptr<UserDefaults> standardUserDefaults();
+  // A handle on the suite with this name in the store folder; nullptr (nil) when the name cannot
+  // name a store file (empty, or dots only). The process's own standard store is the suite named
+  // after its bundle identifier.
+  static std::shared_ptr<UserDefaults> initWithSuiteName(std::string_view suiteName,
+                                                         const std::filesystem::path& folder);
 
   // The file name of a suite inside the store folder. Letters, digits, ".", "_" and "-" are kept,
   // every other byte is written as %XX (so "/" can never appear), and ".sqlite" is appended; a

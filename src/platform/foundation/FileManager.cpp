@@ -4,11 +4,10 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <system_error>
-
-#include "platform/foundation/Platform.h"
 
 namespace zv {
 
@@ -89,13 +88,16 @@ bool moveAcrossFileSystems(const fs::path& from, const fs::path& to, Error* erro
 }  // namespace
 
 FileManager& FileManager::defaultManager() {
-  static FileManager manager;
+  static FileManager manager(processTemporaryDirectory());
   return manager;
 }
 
-Url FileManager::temporaryDirectory() const {
-  return Url::fileUrl(Platform::shared().temporaryDirectory());
+std::filesystem::path FileManager::processTemporaryDirectory() {
+  const char* tmp = std::getenv("TMPDIR");
+  return std::filesystem::path(tmp && *tmp ? tmp : "/tmp");
 }
+
+Url FileManager::temporaryDirectory() const { return Url::fileUrl(temporaryDirectory_); }
 
 bool FileManager::createDirectoryAtURL(const Url& url, bool withIntermediateDirectories,
                                        Error* error) const {

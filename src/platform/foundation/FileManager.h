@@ -1,8 +1,11 @@
 // zv::FileManager holds the file operations that the service extension needs to keep a downloaded
-// media file: the process's temporary directory, creating a directory, and replacing an item by
-// moving a new one over it. Failures are reported as zv::Error values (domain Error::kFileDomain)
-// whose description names the operation, the path and the system's reason; nothing raises.
+// media file: its temporary directory (given when it is made), creating a directory, and replacing
+// an item by moving a new one over it. Failures are reported as zv::Error values (domain
+// Error::kFileDomain) whose description names the operation, the path and the system's reason;
+// nothing raises.
 #pragma once
+
+#include <filesystem>
 
 #include "platform/foundation/Error.h"
 #include "platform/foundation/Url.h"
@@ -20,9 +23,15 @@ class FileManager {
   static constexpr long kWriteOutOfSpaceError = 640;
   static constexpr long kWriteVolumeReadOnlyError = 642;
 
+  // The process's file manager, whose temporary directory is processTemporaryDirectory().
   static FileManager& defaultManager();
+  // $TMPDIR, else /tmp.
+  static std::filesystem::path processTemporaryDirectory();
 
-  // The file URL of the process's temporary directory (Platform::temporaryDirectory()).
+  explicit FileManager(std::filesystem::path temporaryDirectory)
+      : temporaryDirectory_(std::move(temporaryDirectory)) {}
+
+  // The file URL of this manager's temporary directory.
   Url temporaryDirectory() const;
 
   // Creates the directory at a file URL, with its missing parents when withIntermediateDirectories
@@ -37,7 +46,7 @@ class FileManager {
   bool replaceItemAtURL(const Url& original, const Url& newItem, Error* error) const;
 
  private:
-  FileManager() = default;
+  std::filesystem::path temporaryDirectory_;
 };
 
 }  // namespace zv

@@ -14,7 +14,6 @@
 #include <system_error>
 
 #include "platform/foundation/Log.h"
-#include "platform/foundation/Platform.h"
 
 namespace zv {
 
@@ -43,12 +42,7 @@ CurlTransfer::CurlTransfer(std::shared_ptr<UrlSessionTask> task, double timeoutS
       started_(Clock::now()),
       lastActivity_(started_) {}
 
-CurlTransfer::~CurlTransfer() {
-  if (easy_) curl_easy_cleanup(easy_);
-  curl_slist_free_all(headerList_);
-  if (file_) std::fclose(file_);
-  removeDownloadFile();
-}
+CurlTransfer::~CurlTransfer() { removeDownloadFile(); }
 
 std::unique_ptr<CurlTransfer> CurlTransfer::create(std::shared_ptr<UrlSessionTask> task,
                                                    const UrlSessionConfiguration& configuration) {
@@ -58,80 +52,88 @@ std::unique_ptr<CurlTransfer> CurlTransfer::create(std::shared_ptr<UrlSessionTas
   Error error;
   if (!transfer->task_->originalRequest().url()) {
     transfer->setupError_ = Error{Error::kUrlDomain, CURLE_URL_MALFORMAT, "unsupported URL"};
-  } else if (!transfer->configure(&error)) {
+  } else if (!transfer->configure(configuration, &error)) {
     transfer->setupError_ = std::move(error);
   }
   return transfer;
 }
 
-bool CurlTransfer::configure(Error* error) {
-  easy_ = curl_easy_init();
+bool CurlTransfer::configure(const UrlSessionConfiguration& configuration, Error* error) {
+  downloadDirectory_ = configuration.temporaryDirectory;
+  easy_.reset(curl_easy_init());
   if (!easy_) {
     *error = Error{Error::kUrlDomain, CURLE_OUT_OF_MEMORY, curl_easy_strerror(CURLE_OUT_OF_MEMORY)};
     return false;
   }
   const UrlRequest& request = task_->originalRequest();
-  curl_easy_setopt(easy_, CURLOPT_URL, request.url()->absoluteString().c_str());
-  curl_easy_setopt(easy_, CURLOPT_PRIVATE, this);
-  curl_easy_setopt(easy_, CURLOPT_ERRORBUFFER, errorBuffer_);
-  curl_easy_setopt(easy_, CURLOPT_NOSIGNAL, 1L);
+  curl_easy_setopt(easy_.get(), CURLOPT_URL, request.url()->absoluteString().c_str());
+  curl_easy_setopt(easy_.get(), CURLOPT_PRIVATE, this);
+  curl_easy_setopt(easy_.get(), CURLOPT_ERRORBUFFER, errorBuffer_);
+  curl_easy_setopt(easy_.get(), CURLOPT_NOSIGNAL, 1L);
   // Only the web: a payload naming "file:///etc/passwd" or "gopher://" downloads nothing, and a
   // redirect cannot lead there either.
-  curl_easy_setopt(easy_, CURLOPT_PROTOCOLS_STR, "http,https");
-  curl_easy_setopt(easy_, CURLOPT_REDIR_PROTOCOLS_STR, "http,https");
-  curl_easy_setopt(easy_, CURLOPT_FOLLOWLOCATION, 1L);
-  curl_easy_setopt(easy_, CURLOPT_MAXREDIRS, 16L);
-  curl_easy_setopt(easy_, CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_2TLS));
-  curl_easy_setopt(easy_, CURLOPT_ACCEPT_ENCODING, "");
-  curl_easy_setopt(easy_, CURLOPT_TCP_KEEPALIVE, 1L);
-  curl_easy_setopt(easy_, CURLOPT_USERAGENT, "zentrova/" ZV_VERSION);
+  curl_easy_setopt(easy_.get(), CURLOPT_PROTOCOLS_STR, "http,https");
+  curl_easy_setopt(easy_.get(), CURLOPT_REDIR_PROTOCOLS_STR, "http,https");
+  curl_easy_setopt(easy_.get(), CURLOPT_FOLLOWLOCATION, 1L);
+  curl_easy_setopt(easy_.get(), CURLOPT_MAXREDIRS, 16L);
+  curl_easy_setopt(easy_.get(), CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_2TLS));
+  curl_easy_setopt(easy_.get(), CURLOPT_ACCEPT_ENCODING, "");
+  curl_easy_setopt(easy_.get(), CURLOPT_TCP_KEEPALIVE, 1L);
+  curl_easy_setopt(easy_.get(), CURLOPT_USERAGENT, "zentrova/" ZV_VERSION);
   // The extra CA is added to each connection's certificate store; a store shared between
   // connections would keep it for connections that must not trust it.
-  curl_easy_setopt(easy_, CURLOPT_CA_CACHE_TIMEOUT, 0L);
-  extraCaFile_ = Platform::shared().extraCaFile();
+  curl_easy_setopt(easy_.get(), CURLOPT_CA_CACHE_TIMEOUT, 0L);
+  extraCaFile_ = configuration.extraCaFile;
   if (!extraCaFile_.empty()) {
-    curl_easy_setopt(easy_, CURLOPT_SSL_CTX_FUNCTION, &CurlTransfer::onSslContext);
-    curl_easy_setopt(easy_, CURLOPT_SSL_CTX_DATA, this);
+    curl_easy_setopt(easy_.get(), CURLOPT_SSL_CTX_FUNCTION, &CurlTransfer::onSslContext);
+    curl_easy_setopt(easy_.get(), CURLOPT_SSL_CTX_DATA, this);
   }
 
   const std::string& method = request.httpMethod();
   bool hasBody = request.httpBody().has_value();
   if (hasBody || method == "POST") {
     requestBody_ = request.httpBody().value_or("");
-    curl_easy_setopt(easy_, CURLOPT_POSTFIELDSIZE_LARGE,
+    curl_easy_setopt(easy_.get(), CURLOPT_POSTFIELDSIZE_LARGE,
                      static_cast<curl_off_t>(requestBody_.size()));
-    curl_easy_setopt(easy_, CURLOPT_POSTFIELDS, requestBody_.data());
-    if (method != "POST") curl_easy_setopt(easy_, CURLOPT_CUSTOMREQUEST, method.c_str());
+    curl_easy_setopt(easy_.get(), CURLOPT_POSTFIELDS, requestBody_.data());
+    if (method != "POST") curl_easy_setopt(easy_.get(), CURLOPT_CUSTOMREQUEST, method.c_str());
   } else if (method == "HEAD") {
-    curl_easy_setopt(easy_, CURLOPT_NOBODY, 1L);
+    curl_easy_setopt(easy_.get(), CURLOPT_NOBODY, 1L);
   } else if (method == "GET") {
-    curl_easy_setopt(easy_, CURLOPT_HTTPGET, 1L);
+    curl_easy_setopt(easy_.get(), CURLOPT_HTTPGET, 1L);
   } else {
-    curl_easy_setopt(easy_, CURLOPT_CUSTOMREQUEST, method.c_str());
+    curl_easy_setopt(easy_.get(), CURLOPT_CUSTOMREQUEST, method.c_str());
   }
 
+  // curl_slist_append returns the list's head, or null (the list unchanged) when out of memory.
+  auto appendHeader = [this](const char* line) {
+    if (curl_slist* head = curl_slist_append(headerList_.get(), line)) {
+      (void)headerList_.release();
+      headerList_.reset(head);
+    }
+  };
   bool expectSet = false;
   for (const auto& [name, value] : request.allHTTPHeaderFields()) {
     expectSet = expectSet || headerNameEquals(name, "Expect");
     std::string line = value.empty() ? name + ";" : name + ": " + value;
-    headerList_ = curl_slist_append(headerList_, line.c_str());
+    appendHeader(line.c_str());
   }
   // No "Expect: 100-continue" round trip before a body: it costs a second on servers that ignore
   // it.
-  if (!expectSet) headerList_ = curl_slist_append(headerList_, "Expect:");
-  curl_easy_setopt(easy_, CURLOPT_HTTPHEADER, headerList_);
+  if (!expectSet) appendHeader("Expect:");
+  curl_easy_setopt(easy_.get(), CURLOPT_HTTPHEADER, headerList_.get());
 
-  curl_easy_setopt(easy_, CURLOPT_WRITEFUNCTION, &CurlTransfer::onWrite);
-  curl_easy_setopt(easy_, CURLOPT_WRITEDATA, this);
-  curl_easy_setopt(easy_, CURLOPT_HEADERFUNCTION, &CurlTransfer::onHeader);
-  curl_easy_setopt(easy_, CURLOPT_HEADERDATA, this);
-  curl_easy_setopt(easy_, CURLOPT_XFERINFOFUNCTION, &CurlTransfer::onProgress);
-  curl_easy_setopt(easy_, CURLOPT_XFERINFODATA, this);
-  curl_easy_setopt(easy_, CURLOPT_NOPROGRESS, 0L);
+  curl_easy_setopt(easy_.get(), CURLOPT_WRITEFUNCTION, &CurlTransfer::onWrite);
+  curl_easy_setopt(easy_.get(), CURLOPT_WRITEDATA, this);
+  curl_easy_setopt(easy_.get(), CURLOPT_HEADERFUNCTION, &CurlTransfer::onHeader);
+  curl_easy_setopt(easy_.get(), CURLOPT_HEADERDATA, this);
+  curl_easy_setopt(easy_.get(), CURLOPT_XFERINFOFUNCTION, &CurlTransfer::onProgress);
+  curl_easy_setopt(easy_.get(), CURLOPT_XFERINFODATA, this);
+  curl_easy_setopt(easy_.get(), CURLOPT_NOPROGRESS, 0L);
 
   if (task_->isDownload()) {
     if (auto max = task_->maximumSize()) {
-      curl_easy_setopt(easy_, CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(*max));
+      curl_easy_setopt(easy_.get(), CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(*max));
     }
     return openDownloadFile(error);
   }
@@ -139,12 +141,12 @@ bool CurlTransfer::configure(Error* error) {
 }
 
 bool CurlTransfer::openDownloadFile(Error* error) {
-  std::filesystem::path dir = Platform::shared().temporaryDirectory();
+  const std::filesystem::path& dir = downloadDirectory_;
   std::error_code ec;
   std::filesystem::create_directories(dir, ec);
   std::string path = (dir / "ZVDownload_XXXXXX.tmp").string();
   int fd = mkstemps(path.data(), 4);
-  if (fd >= 0) file_ = fdopen(fd, "wb");
+  if (fd >= 0) file_.reset(fdopen(fd, "wb"));
   if (!file_) {
     std::string reason = std::generic_category().message(errno);
     if (fd >= 0) {
@@ -175,12 +177,12 @@ Error CurlTransfer::timeoutError() const {
 
 std::shared_ptr<HttpUrlResponse> CurlTransfer::response() const {
   long status = 0;
-  if (!easy_ || curl_easy_getinfo(easy_, CURLINFO_RESPONSE_CODE, &status) != CURLE_OK ||
+  if (!easy_.get() || curl_easy_getinfo(easy_.get(), CURLINFO_RESPONSE_CODE, &status) != CURLE_OK ||
       status <= 0) {
     return nullptr;
   }
   char* effective = nullptr;
-  curl_easy_getinfo(easy_, CURLINFO_EFFECTIVE_URL, &effective);
+  curl_easy_getinfo(easy_.get(), CURLINFO_EFFECTIVE_URL, &effective);
   std::optional<Url> url = effective ? Url::parse(effective) : task_->originalRequest().url();
   return std::make_shared<HttpUrlResponse>(std::move(url), status, headers_);
 }
@@ -201,8 +203,7 @@ Error CurlTransfer::errorFor(CURLcode code) const {
 
 void CurlTransfer::finish(CURLcode code) {
   if (file_) {
-    if (std::fclose(file_) != 0 && code == CURLE_OK) code = CURLE_WRITE_ERROR;
-    file_ = nullptr;
+    if (std::fclose(file_.release()) != 0 && code == CURLE_OK) code = CURLE_WRITE_ERROR;
   }
   auto answer = response();
   if (code != CURLE_OK) {
@@ -218,8 +219,7 @@ void CurlTransfer::finish(CURLcode code) {
 
 void CurlTransfer::finishWithError(const Error& error) {
   if (file_) {
-    std::fclose(file_);
-    file_ = nullptr;
+    file_.reset();
   }
   removeDownloadFile();
   deliver(std::nullopt, std::nullopt, response(), error);
@@ -263,7 +263,7 @@ size_t CurlTransfer::onWrite(char* data, size_t size, size_t count, void* self) 
   }
   t->received_ += n;
   if (t->file_) {
-    if (std::fwrite(data, 1, n, t->file_) != n) {
+    if (std::fwrite(data, 1, n, t->file_.get()) != n) {
       t->writeFailed_ = true;
       return 0;
     }

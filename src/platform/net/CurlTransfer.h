@@ -16,6 +16,7 @@
 #include <string>
 
 #include "platform/foundation/Error.h"
+#include "platform/foundation/UniqueHandle.h"
 #include "platform/net/HttpUrlResponse.h"
 #include "platform/net/UrlSessionConfiguration.h"
 #include "platform/net/UrlSessionTask.h"
@@ -35,7 +36,7 @@ class CurlTransfer {
   CurlTransfer(const CurlTransfer&) = delete;
   CurlTransfer& operator=(const CurlTransfer&) = delete;
 
-  CURL* handle() const { return easy_; }
+  CURL* handle() const { return easy_.get(); }
   // When the transfer times out unless data moves before; nullopt without a time-out.
   std::optional<Clock::time_point> idleDeadline() const;
   // The time-out error for a transfer whose idle deadline has passed.
@@ -49,7 +50,7 @@ class CurlTransfer {
 
  private:
   CurlTransfer(std::shared_ptr<UrlSessionTask> task, double timeoutSeconds);
-  bool configure(Error* error);
+  bool configure(const UrlSessionConfiguration& configuration, Error* error);
   bool openDownloadFile(Error* error);
   std::shared_ptr<HttpUrlResponse> response() const;
   Error errorFor(CURLcode code) const;
@@ -64,14 +65,15 @@ class CurlTransfer {
 
   std::shared_ptr<UrlSessionTask> task_;
   std::optional<Error> setupError_;
-  CURL* easy_ = nullptr;
-  curl_slist* headerList_ = nullptr;
+  UniqueHandle<CURL, curl_easy_cleanup> easy_;
+  UniqueHandle<curl_slist, curl_slist_free_all> headerList_;
   std::string requestBody_;
   std::string extraCaFile_;
+  std::filesystem::path downloadDirectory_;
   char errorBuffer_[CURL_ERROR_SIZE] = {};
 
   std::string body_;
-  std::FILE* file_ = nullptr;
+  UniqueHandle<std::FILE, std::fclose> file_;
   std::filesystem::path filePath_;
   std::uint64_t received_ = 0;
   bool sizeExceeded_ = false;

@@ -23,15 +23,14 @@ constexpr long kBusyWaitMs = 1000;
 SessionEngine::SessionEngine(UrlSessionConfiguration configuration)
     : configuration_(configuration) {
   initCurlOnce();
-  multi_ = curl_multi_init();
+  multi_.reset(curl_multi_init());
   if (!multi_) throw std::bad_alloc();
-  curl_multi_setopt(multi_, CURLMOPT_PIPELINING, CURLPIPE_MULTIPLEX);
+  curl_multi_setopt(multi_.get(), CURLMOPT_PIPELINING, CURLPIPE_MULTIPLEX);
 }
 
 SessionEngine::~SessionEngine() {
   shutdown();
   dropAll();
-  curl_multi_cleanup(multi_);
 }
 
 void SessionEngine::start(std::shared_ptr<UrlSessionTask> task) {
@@ -46,7 +45,7 @@ void SessionEngine::start(std::shared_ptr<UrlSessionTask> task) {
       threadId_ = thread_.get_id();
     }
   }
-  curl_multi_wakeup(multi_);
+  curl_multi_wakeup(multi_.get());
 }
 
 void SessionEngine::shutdown() {
@@ -56,7 +55,7 @@ void SessionEngine::shutdown() {
     stopping_ = true;
     thread = std::move(thread_);
   }
-  curl_multi_wakeup(multi_);
+  curl_multi_wakeup(multi_.get());
   if (!thread.joinable()) return;
   if (thread.get_id() == std::this_thread::get_id()) {
     thread.detach();
@@ -74,12 +73,12 @@ void SessionEngine::run() {
   while (!stopping_) {
     beginPending();
     int running = 0;
-    curl_multi_perform(multi_, &running);
+    curl_multi_perform(multi_.get(), &running);
     finishDone();
     if (stopping_) break;
     expireIdle();
     if (stopping_) break;
-    curl_multi_poll(multi_, nullptr, 0, nextWaitMilliseconds(), nullptr);
+    curl_multi_poll(multi_.get(), nullptr, 0, nextWaitMilliseconds(), nullptr);
   }
   dropAll();
   std::lock_guard lock(mutex_);
@@ -100,7 +99,7 @@ void SessionEngine::beginPending() {
       continue;
     }
     CURL* easy = transfer->handle();
-    if (curl_multi_add_handle(multi_, easy) != CURLM_OK) {
+    if (curl_multi_add_handle(multi_.get(), easy) != CURLM_OK) {
       transfer->finishWithError(
           Error{Error::kUrlDomain, CURLE_FAILED_INIT, curl_easy_strerror(CURLE_FAILED_INIT)});
       continue;
@@ -112,12 +111,12 @@ void SessionEngine::beginPending() {
 void SessionEngine::finishDone() {
   int left = 0;
   while (!stopping_) {
-    CURLMsg* message = curl_multi_info_read(multi_, &left);
+    CURLMsg* message = curl_multi_info_read(multi_.get(), &left);
     if (!message) break;
     if (message->msg != CURLMSG_DONE) continue;
     CURL* easy = message->easy_handle;
     CURLcode code = message->data.result;
-    curl_multi_remove_handle(multi_, easy);
+    curl_multi_remove_handle(multi_.get(), easy);
     auto it = transfers_.find(easy);
     if (it == transfers_.end()) continue;
     std::unique_ptr<CurlTransfer> transfer = std::move(it->second);
@@ -135,7 +134,7 @@ void SessionEngine::expireIdle() {
   }
   for (CURL* easy : expired) {
     if (stopping_) return;
-    curl_multi_remove_handle(multi_, easy);
+    curl_multi_remove_handle(multi_.get(), easy);
     std::unique_ptr<CurlTransfer> transfer = std::move(transfers_[easy]);
     transfers_.erase(easy);
     transfer->finishWithError(transfer->timeoutError());
@@ -146,7 +145,7 @@ int SessionEngine::nextWaitMilliseconds() const {
   if (transfers_.empty()) return kIdleWaitMs;
   long wait = kBusyWaitMs;
   long curlWait = -1;
-  curl_multi_timeout(multi_, &curlWait);
+  curl_multi_timeout(multi_.get(), &curlWait);
   if (curlWait >= 0) wait = std::min(wait, curlWait);
   auto now = CurlTransfer::Clock::now();
   for (const auto& [easy, transfer] : transfers_) {
@@ -159,7 +158,7 @@ int SessionEngine::nextWaitMilliseconds() const {
 }
 
 void SessionEngine::dropAll() {
-  for (const auto& [easy, transfer] : transfers_) curl_multi_remove_handle(multi_, easy);
+  for (const auto& [easy, transfer] : transfers_) curl_multi_remove_handle(multi_.get(), easy);
   transfers_.clear();
 }
 

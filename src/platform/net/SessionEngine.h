@@ -16,6 +16,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "platform/foundation/UniqueHandle.h"
 #include "platform/net/CurlTransfer.h"
 #include "platform/net/UrlSessionConfiguration.h"
 #include "platform/net/UrlSessionTask.h"
@@ -49,7 +50,7 @@ class SessionEngine : public std::enable_shared_from_this<SessionEngine> {
   void dropAll();
 
   const UrlSessionConfiguration configuration_;
-  CURLM* multi_;
+  UniqueHandle<CURLM, curl_multi_cleanup> multi_;
   std::atomic<bool> stopping_{false};
   mutable std::mutex mutex_;
   std::vector<std::shared_ptr<UrlSessionTask>> pending_;

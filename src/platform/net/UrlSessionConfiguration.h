@@ -1,8 +1,13 @@
 // zv::UrlSessionConfiguration holds what a URL session is created with: the cache policy its
-// requests default to, and how long a task may stay without any data moving before it fails.
-// Sessions never keep a URL cache.
+// requests default to, how long a task may stay without any data moving before it fails, the extra
+// certificate authorities it trusts and the folder its downloads are written to. Sessions never
+// keep a URL cache.
 #pragma once
 
+#include <filesystem>
+#include <string>
+
+#include "platform/foundation/FileManager.h"
 #include "platform/net/UrlRequest.h"
 
 namespace zv {
@@ -15,6 +20,10 @@ struct UrlSessionConfiguration {
   // Seconds without data before a task times out. A task uses the shorter of this and its
   // request's own time-out, so a session made with a short value (tests) shortens every task.
   double timeoutIntervalForRequest = 60.0;
+  // A PEM file of certificate authorities trusted beside the system's ("" for none).
+  std::string extraCaFile;
+  // Where download tasks write their files (made when missing).
+  std::filesystem::path temporaryDirectory = FileManager::processTemporaryDirectory();
 };
 
 }  // namespace zv

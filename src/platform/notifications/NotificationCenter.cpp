@@ -2,13 +2,11 @@
 
 #include <fmt/format.h>
 
-#include <thread>
-
-#include "platform/foundation/Platform.h"
-
 namespace zv {
 
-NotificationCenter::NotificationCenter() : list_(std::make_shared<List>()) {
+NotificationCenter::NotificationCenter(std::shared_ptr<Clock> clock)
+    : clock_(clock ? std::move(clock) : std::make_shared<SystemClock>()),
+      list_(std::make_shared<List>()) {
   answers_.setMaxConcurrentOperationCount(1);
 }
 
@@ -23,7 +21,7 @@ void NotificationCenter::addDeliveredNotification(std::shared_ptr<UNNotification
 }
 
 void NotificationCenter::setShownCount(size_t count) {
-  double now = Platform::shared().clock()->now();
+  double now = clock_->now();
   Notifications list;
   list.reserve(count);
   for (size_t i = 1; i <= count; ++i) {
@@ -34,40 +32,32 @@ void NotificationCenter::setShownCount(size_t count) {
   setDeliveredNotifications(std::move(list));
 }
 
-void NotificationCenter::setResponseDelay(std::chrono::milliseconds delay) {
+NotificationCenter::~NotificationCenter() { releaseAnswers(); }
+
+void NotificationCenter::holdAnswers() {
   std::lock_guard lock(list_->mutex);
-  list_->delay = delay;
+  list_->held = true;
+}
+
+void NotificationCenter::releaseAnswers() {
+  {
+    std::lock_guard lock(list_->mutex);
+    list_->held = false;
+  }
+  list_->released.notify_all();
 }
 
 void NotificationCenter::getDeliveredNotifications(Completion completion) {
   if (!completion) return;
   answers_.addOperationWithBlock([list = list_, completion = std::move(completion)] {
     Notifications snapshot;
-    std::chrono::milliseconds delay;
     {
-      std::lock_guard lock(list->mutex);
+      std::unique_lock lock(list->mutex);
+      list->released.wait(lock, [&] { return !list->held; });
       snapshot = list->delivered;
-      delay = list->delay;
     }
-    if (delay.count() > 0) std::this_thread::sleep_for(delay);
     completion(snapshot);
   });
-}
-
-// The platform object's notification center port.
-
-std::shared_ptr<NotificationCenter> Platform::notificationCenter() {
-  std::lock_guard lock(mutex_);
-  if (!notificationCenter_) notificationCenter_ = std::make_shared<NotificationCenter>();
-  return notificationCenter_;
-}
-
-void Platform::setNotificationCenter(std::shared_ptr<NotificationCenter> center) {
-  {
-    std::lock_guard lock(mutex_);
-    notificationCenter_.swap(center);
-  }
-  // The previous center (now in center) answers its pending queries as it goes, outside the lock.
 }
 
 }  // namespace zv

@@ -1,17 +1,10 @@
 #include "platform/notifications/UNUserNotificationCenter.h"
 
-#include "platform/foundation/Platform.h"
-
 namespace zv {
 
-UNUserNotificationCenter& UNUserNotificationCenter::currentNotificationCenter() {
-  static UNUserNotificationCenter center;
-  return center;
-}
-
 void UNUserNotificationCenter::getDeliveredNotificationsWithCompletionHandler(
-    NotificationCenter::Completion completionHandler) {
-  Platform::shared().notificationCenter()->getDeliveredNotifications(std::move(completionHandler));
+    NotificationCenter::Completion completionHandler) const {
+  if (center_) center_->getDeliveredNotifications(std::move(completionHandler));
 }
 
 }  // namespace zv

@@ -1,8 +1,9 @@
 // zv::UNUserNotificationCenter is the application's view of the system's notification center. The
 // service extension asks it how many notifications are still shown, to count the badge up. It
-// forwards to the platform's NotificationCenter port, whichever is installed at the time of the
-// call.
+// forwards to the NotificationCenter port it was made with.
 #pragma once
+
+#include <memory>
 
 #include "platform/notifications/NotificationCenter.h"
 
@@ -10,15 +11,16 @@ namespace zv {
 
 class UNUserNotificationCenter {
  public:
-  static UNUserNotificationCenter& currentNotificationCenter();
+  explicit UNUserNotificationCenter(std::shared_ptr<NotificationCenter> center)
+      : center_(std::move(center)) {}
 
   // Calls completionHandler with this application's delivered notifications, later, on a thread of
   // the center's own (never the caller's).
   void getDeliveredNotificationsWithCompletionHandler(
-      NotificationCenter::Completion completionHandler);
+      NotificationCenter::Completion completionHandler) const;
 
  private:
-  UNUserNotificationCenter() = default;
+  std::shared_ptr<NotificationCenter> center_;
 };
 
 }  // namespace zv

@@ -7,7 +7,6 @@
 #include <algorithm>
 
 #include "platform/foundation/Exception.h"
-#include "platform/foundation/Platform.h"
 
 namespace zv {
 
@@ -15,10 +14,7 @@ namespace {
 
 constexpr char kFontMissing[] = "TextMeasurerFontMissing";
 
-struct DescriptionDeleter {
-  void operator()(PangoFontDescription* d) const { pango_font_description_free(d); }
-};
-using Description = std::unique_ptr<PangoFontDescription, DescriptionDeleter>;
+using Description = UniqueHandle<PangoFontDescription, pango_font_description_free>;
 
 Description describe(const Font& font) {
   Description d(pango_font_description_new());
@@ -33,41 +29,32 @@ Description describe(const Font& font) {
 
 }  // namespace
 
+void releaseGObject(void* object) { g_object_unref(object); }
+
 PangoTextMeasurer::PangoTextMeasurer() {
-  fontMap_ = pango_cairo_font_map_new();
-  context_ = pango_font_map_create_context(fontMap_);
-  cairo_font_options_t* options = cairo_font_options_create();
-  cairo_font_options_set_hint_style(options, CAIRO_HINT_STYLE_NONE);
-  cairo_font_options_set_hint_metrics(options, CAIRO_HINT_METRICS_OFF);
-  cairo_font_options_set_antialias(options, CAIRO_ANTIALIAS_GRAY);
-  pango_cairo_context_set_font_options(context_, options);
-  cairo_font_options_destroy(options);
-  pango_context_set_round_glyph_positions(context_, FALSE);
-  layout_ = pango_layout_new(context_);
-  pango_layout_set_wrap(layout_, PANGO_WRAP_WORD_CHAR);
-  try {
-    std::lock_guard lock(mutex_);
-    checkFace(Font::systemFont(17));
-  } catch (...) {
-    g_object_unref(layout_);
-    g_object_unref(context_);
-    g_object_unref(fontMap_);
-    throw;
-  }
+  fontMap_.reset(pango_cairo_font_map_new());
+  context_.reset(pango_font_map_create_context(fontMap_.get()));
+  UniqueHandle<cairo_font_options_t, cairo_font_options_destroy> options(
+      cairo_font_options_create());
+  cairo_font_options_set_hint_style(options.get(), CAIRO_HINT_STYLE_NONE);
+  cairo_font_options_set_hint_metrics(options.get(), CAIRO_HINT_METRICS_OFF);
+  cairo_font_options_set_antialias(options.get(), CAIRO_ANTIALIAS_GRAY);
+  pango_cairo_context_set_font_options(context_.get(), options.get());
+  pango_context_set_round_glyph_positions(context_.get(), FALSE);
+  layout_.reset(pango_layout_new(context_.get()));
+  pango_layout_set_wrap(layout_.get(), PANGO_WRAP_WORD_CHAR);
+  std::lock_guard lock(mutex_);
+  checkFace(Font::systemFont(17));
 }
 
-PangoTextMeasurer::~PangoTextMeasurer() {
-  g_object_unref(layout_);
-  g_object_unref(context_);
-  g_object_unref(fontMap_);
-}
+PangoTextMeasurer::~PangoTextMeasurer() = default;
 
 std::string PangoTextMeasurer::resolvedFamilyLocked(const Font& font) {
   Description wanted = describe(font);
-  PangoFont* face = pango_font_map_load_font(fontMap_, context_, wanted.get());
+  UniqueHandle<PangoFont, releaseGObject> face(
+      pango_font_map_load_font(fontMap_.get(), context_.get(), wanted.get()));
   if (!face) return "";
-  Description got(pango_font_describe(face));
-  g_object_unref(face);
+  Description got(pango_font_describe(face.get()));
   const char* family = pango_font_description_get_family(got.get());
   return family ? family : "";
 }
@@ -95,18 +82,18 @@ TextSize PangoTextMeasurer::boundingSize(std::string_view text, const Font& font
   std::lock_guard lock(mutex_);
   checkFace(font);
   Description d = describe(font);
-  pango_layout_set_font_description(layout_, d.get());
-  pango_layout_set_width(layout_, width > 0 ? static_cast<int>(width * PANGO_SCALE) : -1);
+  pango_layout_set_font_description(layout_.get(), d.get());
+  pango_layout_set_width(layout_.get(), width > 0 ? static_cast<int>(width * PANGO_SCALE) : -1);
   // Pango needs valid UTF-8; broken bytes become U+FFFD rather than a warning and a cut text.
   if (g_utf8_validate(text.data(), static_cast<gssize>(text.size()), nullptr)) {
-    pango_layout_set_text(layout_, text.data(), static_cast<int>(text.size()));
+    pango_layout_set_text(layout_.get(), text.data(), static_cast<int>(text.size()));
   } else {
     gchar* valid = g_utf8_make_valid(text.data(), static_cast<gssize>(text.size()));
-    pango_layout_set_text(layout_, valid, -1);
+    pango_layout_set_text(layout_.get(), valid, -1);
     g_free(valid);
   }
   PangoRectangle logical;
-  pango_layout_get_extents(layout_, nullptr, &logical);
+  pango_layout_get_extents(layout_.get(), nullptr, &logical);
   return TextSize{static_cast<double>(logical.width) / PANGO_SCALE,
                   static_cast<double>(logical.height) / PANGO_SCALE};
 }
@@ -116,11 +103,5 @@ TextSize PangoTextMeasurer::boundingSize(std::string_view text, const Font& font
 // builds, do not report them as leaks.
 extern "C" const char* __lsan_default_suppressions() { return "leak:libfontconfig.so\n"; }
 #endif
-
-std::shared_ptr<PangoTextMeasurer> installPangoTextMeasurer() {
-  auto measurer = std::make_shared<PangoTextMeasurer>();
-  Platform::shared().setTextMeasurer(measurer);
-  return measurer;
-}
 
 }  // namespace zv

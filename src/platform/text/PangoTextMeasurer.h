@@ -10,9 +10,8 @@
 // not resolve Inter to Inter itself (the package is missing or a configuration substitutes it);
 // every new weight and style is checked the same way when first used.
 //
-// A content-side program installs it once, before the first view is laid out:
-//
-//     zv::installPangoTextMeasurer();   // Platform::shared().textMeasurer() is now this measurer
+// A content-side program makes one and hands it to what measures (or installs it in the platform
+// object, from which the content side's process-wide objects take it when they are made).
 //
 // It lives in the content library (zv_content): the service side never measures text.
 #pragma once
@@ -23,6 +22,7 @@
 #include <string>
 #include <utility>
 
+#include "platform/foundation/UniqueHandle.h"
 #include "platform/text/TextMeasurer.h"
 
 typedef struct _PangoFontMap PangoFontMap;
@@ -30,6 +30,9 @@ typedef struct _PangoContext PangoContext;
 typedef struct _PangoLayout PangoLayout;
 
 namespace zv {
+
+// Drops a reference to a GLib object (g_object_unref), for UniqueHandle.
+void releaseGObject(void* object);
 
 class PangoTextMeasurer : public TextMeasurer {
  public:
@@ -49,14 +52,11 @@ class PangoTextMeasurer : public TextMeasurer {
   void checkFace(const Font& font);
 
   std::mutex mutex_;
-  PangoFontMap* fontMap_ = nullptr;
-  PangoContext* context_ = nullptr;
-  PangoLayout* layout_ = nullptr;
+  // Released in reverse order: the layout, its context, then the font map.
+  UniqueHandle<PangoFontMap, releaseGObject> fontMap_;
+  UniqueHandle<PangoContext, releaseGObject> context_;
+  UniqueHandle<PangoLayout, releaseGObject> layout_;
   std::set<std::pair<int, bool>> checkedFaces_;  // weight, italic
 };
-
-// Makes a PangoTextMeasurer and installs it as the platform's text measurer; returns it. Raises
-// like the constructor when Inter is not available.
-std::shared_ptr<PangoTextMeasurer> installPangoTextMeasurer();
 
 }  // namespace zv

@@ -4,9 +4,8 @@
 // measurer serialises its own work.
 //
 // The real measurer is Pango with a pinned font (PangoTextMeasurer.h, in the content library);
-// FixedAdvanceTextMeasurer.h is the predictable one for layout tests. Install one with
-// Platform::shared().setTextMeasurer(...); Platform::shared().textMeasurer() returns whatever is
-// installed, or null when nothing is.
+// FixedAdvanceTextMeasurer.h is the predictable one for layout tests. What measures is handed its
+// measurer when it is made; the platform object keeps the process's one for the edges.
 #pragma once
 
 #include <string_view>

@@ -7,10 +7,9 @@
 #include <boost/json/parse.hpp>
 #include <fstream>
 
-#include "platform/foundation/ExactJson.h"
 #include "platform/defaults/UserDefaults.h"
+#include "platform/foundation/ExactJson.h"
 #include "platform/foundation/Exception.h"
-#include "platform/foundation/Platform.h"
 #include "support/TestSupport.h"
 
 namespace zv {
@@ -20,11 +19,8 @@ namespace fs = std::filesystem;
 
 class UserDefaultsTest : public ::testing::Test {
  protected:
-  void SetUp() override { Platform::shared().setStoreDirectory(dir.path()); }
-  void TearDown() override { Platform::shared().reset(); }
-
   std::shared_ptr<UserDefaults> suite(const std::string& name = "group.com.example.app") {
-    auto s = UserDefaults::initWithSuiteName(name);
+    auto s = UserDefaults::initWithSuiteName(name, dir.path());
     EXPECT_TRUE(s && s->available());
     return s;
   }
@@ -48,7 +44,7 @@ TEST_F(UserDefaultsTest, SuiteNamesMapToFilesInsideTheFolder) {
   };
   for (const auto& c : cases) {
     EXPECT_EQ(UserDefaults::fileNameForSuite(c.name), c.file) << c.name;
-    EXPECT_EQ(UserDefaults::initWithSuiteName(c.name) == nullptr, !c.file) << c.name;
+    EXPECT_EQ(UserDefaults::initWithSuiteName(c.name, dir.path()) == nullptr, !c.file) << c.name;
   }
   std::string longName(300, '/');
   auto file = UserDefaults::fileNameForSuite(longName);
@@ -77,7 +73,7 @@ TEST_F(UserDefaultsTest, ValuesKeepTheirKindsExactly) {
   for (const char* text : texts) s->setObject(Value(ExactJson::parse(text)), text);
   // Read back from the file, not from the cache.
   boost::json::object all =
-      UserDefaults::initWithSuiteName(s->suiteName())->dictionaryRepresentation();
+      UserDefaults::initWithSuiteName(s->suiteName(), dir.path())->dictionaryRepresentation();
   ASSERT_EQ(all.size(), std::size(texts));
   for (const char* text : texts) {
     boost::json::value expected = ExactJson::parse(text);
@@ -126,7 +122,7 @@ TEST_F(UserDefaultsTest, SeesWritesOfOtherProcesses) {
   s->setObject(Value("parent"), "kept");  // both now cached in this process
   pid_t child = fork();
   if (child == 0) {
-    auto c = UserDefaults::initWithSuiteName("group.com.example.app");
+    auto c = UserDefaults::initWithSuiteName("group.com.example.app", dir.path());
     bool ok = c && c->objectForKey("k").string() == "parent" && c->setObject(Value("child"), "k");
     _exit(ok ? 0 : 1);
   }
@@ -196,16 +192,15 @@ TEST_F(UserDefaultsTest, AFolderThatCannotBeWrittenReadsNilAndDropsWrites) {
     folders.push_back(dir.path() / "read-only");
   }
   for (const fs::path& folder : folders) {
-    Platform::shared().setStoreDirectory(folder);
     zvtest::LogCapture log;
-    auto s = UserDefaults::initWithSuiteName("group.com.example.app");
+    auto s = UserDefaults::initWithSuiteName("group.com.example.app", folder);
     ASSERT_TRUE(s);
     EXPECT_FALSE(s->available());
     EXPECT_FALSE(s->setObject(Value("v"), "k"));
     EXPECT_TRUE(s->objectForKey("k").isNil());
     EXPECT_FALSE(s->update("k", [](const Value&) { return Value("v"); }));
     EXPECT_TRUE(s->dictionaryRepresentation().empty());
-    UserDefaults::initWithSuiteName("group.com.example.app");
+    UserDefaults::initWithSuiteName("group.com.example.app", folder);
     EXPECT_EQ(log.system().size(), 1u) << folder;  // reported once, not on every handle
   }
 }

@@ -9,9 +9,10 @@
 #include <stdexcept>
 #include <thread>
 
-#include "platform/foundation/Platform.h"
+#include "platform/Platform.h"
 #include "platform/net/UrlSession.h"
 #include "support/LocalServer.h"
+#include "support/ProcessStateReset.h"
 #include "support/TestCertificates.h"
 #include "support/TestSupport.h"
 
@@ -76,15 +77,10 @@ Outcome download(UrlSession& session, const std::string& url,
 
 class UrlSessionTest : public ::testing::TestWithParam<LocalServer::Scheme> {
  protected:
-  void SetUp() override {
-    Platform::shared().setTemporaryDirectory(tmp.path());
-    Platform::shared().setExtraCaFile(zvtest::testTlsFiles().caCert.string());
-  }
-  void TearDown() override { Platform::shared().reset(); }
-
   zvtest::TempDir tmp;
   LocalServer server{GetParam()};
-  std::shared_ptr<UrlSession> session = UrlSession::sessionWithConfiguration({});
+  std::shared_ptr<UrlSession> session = UrlSession::sessionWithConfiguration(
+      {.extraCaFile = zvtest::testTlsFiles().caCert.string(), .temporaryDirectory = tmp.path()});
 };
 
 TEST_P(UrlSessionTest, DataTaskOutcomes) {
@@ -144,7 +140,7 @@ INSTANTIATE_TEST_SUITE_P(HttpAndHttps, UrlSessionTest,
 
 class UrlSessionFailureTest : public ::testing::Test {
  protected:
-  void TearDown() override { Platform::shared().reset(); }
+  zvtest::ProcessStateReset state;
   LocalServer server;
   std::shared_ptr<UrlSession> session = UrlSession::sessionWithConfiguration({});
 };
@@ -168,9 +164,9 @@ TEST_F(UrlSessionFailureTest, TransportErrorsCarryCurlCodes) {
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.url.value_or("(no URL)"));
-    Platform::shared().setExtraCaFile(c.extraCa);
     // A fresh session each time: no TLS session or connection left from before.
-    auto fresh = UrlSession::sessionWithConfiguration({.timeoutIntervalForRequest = c.timeout});
+    auto fresh = UrlSession::sessionWithConfiguration(
+        {.timeoutIntervalForRequest = c.timeout, .extraCaFile = c.extraCa});
     Outcome o = fetch(*fresh, UrlRequest(c.url ? Url::parse(*c.url) : std::nullopt));
     EXPECT_EQ(o.code(), c.error);
     EXPECT_EQ(o.error->domain, zv::Error::kUrlDomain);
@@ -191,7 +187,7 @@ TEST_F(UrlSessionFailureTest, CompletionsRunOneAtATimeOnOneThread) {
         ->dataTaskWithRequest(UrlRequest(Url::parse(server.url(path))),
                               [&, done](auto...) {
                                 if (inside.exchange(true)) overlapped = true;
-                                std::this_thread::sleep_for(std::chrono::milliseconds(2));
+                                for (int spin = 0; spin < 100; ++spin) std::this_thread::yield();
                                 EXPECT_TRUE(session->isDelegateThread());
                                 threads.push_back(std::this_thread::get_id());
                                 inside = false;
@@ -224,12 +220,14 @@ TEST_F(UrlSessionFailureTest, ThrowingCompletionIsContainedAndLaterTasksRun) {
 
 TEST_F(UrlSessionFailureTest, DestroyedSessionDropsRunningTasks) {
   std::atomic<bool> called{false};
+  server.holdAnswers();
   session
-      ->dataTaskWithRequest(UrlRequest(Url::parse(server.url("/slow/10000"))),
+      ->dataTaskWithRequest(UrlRequest(Url::parse(server.url("/bytes/10"))),
                             [&](auto...) { called = true; })
       ->resume();
-  std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  server.awaitHeldRequest();  // the transfer is under way
   session.reset();
+  server.releaseAnswers();
   EXPECT_FALSE(called);
 }
 
@@ -250,7 +248,7 @@ TEST(PlatformUrlSessionDeathTest, ProcessExitsCleanlyWithATaskInFlight) {
         .urlSession()
         ->dataTaskWithRequest(UrlRequest(Url::parse(url)), [](auto...) { std::abort(); })
         ->resume();
-    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    ::accept(fd, nullptr, nullptr);  // the transfer is under way
     std::exit(0);
   };
   EXPECT_EXIT(exitDuringTransfer(), ::testing::ExitedWithCode(0), "");

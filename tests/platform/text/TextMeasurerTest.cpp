@@ -3,7 +3,6 @@
 #include <cmath>
 #include <thread>
 
-#include "platform/foundation/Platform.h"
 #include "platform/text/FixedAdvanceTextMeasurer.h"
 #include "platform/text/PangoTextMeasurer.h"
 
@@ -11,8 +10,7 @@ namespace zv {
 namespace {
 
 TEST(PangoTextMeasurerTest, MeasuresInInterWithUnroundedLineHeights) {
-  auto m = installPangoTextMeasurer();
-  EXPECT_EQ(Platform::shared().textMeasurer(), m);
+  auto m = std::make_shared<PangoTextMeasurer>();
   for (const Font& f : {Font::systemFont(17), Font("Georgia", 17, 700), Font("x", 12, 400, true)}) {
     EXPECT_EQ(m->resolvedFamily(f), "Inter") << f.description();
   }
@@ -43,7 +41,6 @@ TEST(PangoTextMeasurerTest, MeasuresInInterWithUnroundedLineHeights) {
   }
   for (auto& t : threads) t.join();
   for (double h : heights) EXPECT_EQ(h, narrow);
-  Platform::shared().setTextMeasurer(nullptr);
 }
 
 TEST(FixedAdvanceTextMeasurerTest, WrapsWordsGreedily) {

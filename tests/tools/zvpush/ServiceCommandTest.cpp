@@ -4,6 +4,7 @@
 
 #include <boost/json.hpp>
 #include <fstream>
+#include <future>
 
 #include "platform/foundation/Md5.h"
 #include "platform/foundation/Value.h"
@@ -19,7 +20,6 @@ TEST(ServiceCommandTest, PrintsTheDeliveredContent) {
   TempDir dir;
   LocalServer server;
   server.addFile("/a.png", readFile(ZV_SOURCE_DIR "/tests/data/media/sample.png"), "image/png");
-  server.setLatency(std::chrono::milliseconds(200));  // the badge query answers before delivery
   std::string image = server.url("/a.png");
   json::object payload{
       {"aps", json::object{{"alert", json::object{{"title", "t"}, {"body", "b"}}}, {"badge", 1}}},
@@ -48,8 +48,17 @@ TEST(ServiceCommandTest, PrintsTheDeliveredContent) {
     ASSERT_EQ(runZvpush("store " + common + "set " + set).exit, 0) << set;
   }
 
-  auto run = runZvpush("service " + (dir.path() / "p.json").string() + " " + common + "--tmp " +
-                       dir.path().string() + " --delivered 3 --id req-7");
+  // The badge query is asked before the first download starts, and answered at once by the
+  // in-process center; the downloads and the report wait at the server until the first of them
+  // has arrived.
+  server.holdAnswers();
+  auto service = std::async(std::launch::async, [&] {
+    return runZvpush("service " + (dir.path() / "p.json").string() + " " + common + "--tmp " +
+                     dir.path().string() + " --delivered 3 --id req-7");
+  });
+  server.awaitHeldRequest();
+  server.releaseAnswers();
+  auto run = service.get();
   ASSERT_EQ(run.exit, 0);
   zv::Value out = zv::Value::parse(run.out);
   EXPECT_EQ(out.get("identifier").string(), "req-7");

@@ -5,7 +5,6 @@
 #include <cstdio>
 #include <fstream>
 
-#include "platform/foundation/Platform.h"
 #include "store/ZVExtensionDataManager.h"
 #include "support/TestSupport.h"
 
@@ -44,12 +43,10 @@ TEST(StoreCommandTest, WritesWhatTheExtensionsRead) {
     EXPECT_EQ(run.out, step.out) << step.args;
   }
 
-  Platform::shared().setStoreDirectory(dir.path());
-  auto& manager = ZVExtensionDataManager::sharedManager();
+  ZVExtensionDataManager manager({dir.path(), "com.zentrova.extension", nullptr});
   manager.setAppGroupID("group.cli");
   EXPECT_EQ(boost::json::value(*manager.getQueryParams()),
             (boost::json::object{{"sdk", "1"}, {"n", 443}}));
-  Platform::shared().reset();
 }
 
 }  // namespace

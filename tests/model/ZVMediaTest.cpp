@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
 
+#include "model/ZVMedia.h"
 #include "model/ZVPushPayload.h"
 #include "model/ZVRichNotifUtils.h"
 #include "platform/foundation/Exception.h"
-#include "service/ZVMedia.h"
 #include "service/ZVRichNotificationHandler.h"
 
 namespace zv {

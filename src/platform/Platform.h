@@ -1,11 +1,15 @@
-// zv::Platform is the one process-wide object through which the system reaches the operating-system
-// services it runs on: the clock, the platform version, where stores and temporary files live, the
-// URL session, the notification center and the text measurer. The host application, the CLI or a
-// test installs what it wants before first use; anything not installed is the real default.
+// zv::Platform holds the process-wide settings and default ports that the edges of the system hand
+// to what they make: the clock, the platform version, where stores and temporary files live, the
+// extra trusted CA, the URL session, the notification center and the text measurer. The host
+// application, the CLI or a test installs what it wants before first use; anything not installed
+// is the real default.
 //
-// Getters of the ports created on demand (urlSession, notificationCenter, textMeasurer) are defined
-// by the module that owns the port, so that this header depends on none of them. All accessors are
-// thread-safe.
+// Only the edges read it: the facade's entry points, a process-wide object's first use, the CLI
+// and tests. Adapters never do: each gets its configuration, clock or folder when it is made (the
+// URL session made here carries the extra CA file and the temporary folder in its configuration;
+// the notification center made here gets the clock). The platform version is forwarded to the
+// foundation's process-wide setting (zv::systemVersion), which the content side reads. All
+// accessors are thread-safe.
 #pragma once
 
 #include <filesystem>
@@ -26,6 +30,7 @@ class Platform {
   static Platform& shared();
 
   // The platform version that version tests compare with (12.0, 13.0, 14.0, 15.0). Default 17.0.
+  // Forwards to zv::systemVersion / zv::setSystemVersion.
   double version() const;
   void setVersion(double v);
 
@@ -49,16 +54,17 @@ class Platform {
   std::string extraCaFile() const;
   void setExtraCaFile(std::string path);
 
-  // Defined in platform/net: the shared URL session, created with the real default on first use.
+  // The shared URL session, made on first use with the real default: caching off, and the extra CA
+  // file and temporary folder set at that moment.
   std::shared_ptr<UrlSession> urlSession();
   void setUrlSession(std::shared_ptr<UrlSession> session);
 
-  // Defined in platform/notifications: the notification center (delivered notifications).
+  // The notification center (delivered notifications), made on first use with the clock set then.
   std::shared_ptr<NotificationCenter> notificationCenter();
   void setNotificationCenter(std::shared_ptr<NotificationCenter> center);
 
-  // Defined in platform/text: the text measurer; null until one is installed (the content library
-  // installs its Pango measurer).
+  // The text measurer; null until one is installed (the content library installs its Pango
+  // measurer).
   std::shared_ptr<TextMeasurer> textMeasurer();
   void setTextMeasurer(std::shared_ptr<TextMeasurer> measurer);
 
@@ -69,7 +75,6 @@ class Platform {
   Platform();
 
   mutable std::mutex mutex_;
-  double version_;
   std::shared_ptr<Clock> clock_;
   std::string bundleIdentifier_;
   std::filesystem::path storeDirectory_;

@@ -2,12 +2,13 @@
 // a notification attachment inside the task's completion (the file is only there until it returns).
 #include <fmt/format.h>
 
+#include "model/ZVMedia.h"
 #include "model/ZVRichNotifUtils.h"
 #include "platform/foundation/Exception.h"
+#include "platform/foundation/FileManager.h"
 #include "platform/net/UrlSession.h"
 #include "platform/notifications/UNNotificationAttachment.h"
 #include "reporting/ZVExtensionNetworkManager.h"
-#include "service/ZVMedia.h"
 
 namespace zv {
 
@@ -22,13 +23,14 @@ void ZVExtensionNetworkManager::downloadMedia(
   // extension has neither the memory nor the time to spare.
   auto task = session->downloadTaskWithURL(
       *media->mediaURL,
-      [media, completion](std::optional<Url> location, std::shared_ptr<HttpUrlResponse> response,
-                          std::optional<Error> error) {
+      [media, completion, files = FileManager(session->configuration().temporaryDirectory)](
+          std::optional<Url> location, std::shared_ptr<HttpUrlResponse> response,
+          std::optional<Error> error) {
         try {
           long status = response ? response->statusCode() : 0;
           if (location && !error && status == 200) {
             auto attachment = ZVRichNotifUtils::createWithID(
-                media->attachmentID.value_or(""), media->getFileNameForMedia(), *location);
+                media->attachmentID.value_or(""), media->getFileNameForMedia(), *location, files);
             if (attachment) {
               completion(true, attachment);
             } else {

@@ -1,4 +1,4 @@
-#include "service/ZVMedia.h"
+#include "model/ZVMedia.h"
 
 #include "model/ZVRichNotifUtils.h"
 

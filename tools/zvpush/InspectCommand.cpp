@@ -1,7 +1,8 @@
-// zvpush inspect PAYLOAD.json: how Zentrova reads a payload. Prints whether the notification is
-// processed, the envelope's fields, the rich push model, the media that would be downloaded and
-// every message the library logged while reading it, so a sender can see why a notification did
-// or did not show its rich content.
+// zvpush inspect PAYLOAD.json: how Zentrova reads a payload. Runs the service extension's own plan
+// (the same function as zvpush service, without the store and the network) and prints whether the
+// notification is processed, the envelope's fields, the rich push model, the texts it would show,
+// the media that would be downloaded and every message the library logged on the way, so a sender
+// can see why a notification did or did not show its rich content.
 #include <boost/json/array.hpp>
 #include <boost/json/object.hpp>
 #include <iostream>
@@ -12,6 +13,7 @@
 #include "ArgParser.h"
 #include "Command.h"
 #include "JsonIO.h"
+#include "model/ZVMedia.h"
 #include "model/ZVPushAction.h"
 #include "model/ZVPushCard.h"
 #include "model/ZVPushPayload.h"
@@ -21,7 +23,9 @@
 #include "model/ZVRichPushMode.h"
 #include "platform/foundation/Exception.h"
 #include "platform/foundation/Log.h"
-#include "service/ZVMedia.h"
+#include "platform/notifications/UNMutableNotificationContent.h"
+#include "platform/notifications/UNNotificationRequest.h"
+#include "service/ServicePlan.h"
 #include "service/ZVRichNotificationHandler.h"
 
 namespace zvpush {
@@ -93,29 +97,21 @@ json::value richPushJson(const std::shared_ptr<zv::ZVRichPush>& r) {
                       {"defaultActions", actionsJson(r->defaultActions)}};
 }
 
-// What the service would download. A notification that is not processed downloads nothing. A
-// media value of the wrong kind raises; the service flow's guard would then log its message and
-// deliver the notification without attachments, which is what is shown here.
-json::array mediaJson(const std::shared_ptr<zv::ZVPushPayload>& payload) {
+json::array mediaJson(const std::vector<std::shared_ptr<zv::ZVMedia>>& media) {
   json::array out;
-  if (!payload->shouldProcessPushNotification()) return out;
-  try {
-    for (const auto& m :
-         zv::ZVRichNotificationHandler::sharedHandler().getMediaURLsFromPayload(payload)) {
-      out.push_back(json::object{
-          {"url", m->mediaURL ? json::value(m->mediaURL->absoluteString()) : json::value()},
-          {"mediaType", valueJson(m->mediaType)},
-          {"attachmentID", m->attachmentID ? json::value(*m->attachmentID) : json::value()},
-          {"fileName", m->getFileNameForMedia()}});
-    }
-  } catch (const zv::Exception& e) {
-    out.clear();
-    zv::ZVRichNotifUtils::logWithMessage("Exception in creating attachment Rich notification: " +
-                                         e.description());
+  for (const auto& m : media) {
+    out.push_back(json::object{
+        {"url", m->mediaURL ? json::value(m->mediaURL->absoluteString()) : json::value()},
+        {"mediaType", valueJson(m->mediaType)},
+        {"attachmentID", m->attachmentID ? json::value(*m->attachmentID) : json::value()},
+        {"fileName", m->getFileNameForMedia()}});
   }
   return out;
 }
 
+// Runs the service's own plan (the steps before the store and the network) and reports it: the
+// envelope, the rich push, the texts the notification would show, the media it would download and
+// every message logged on the way, the guard's included. Nothing is stored or fetched.
 int runInspect(const Args& args) {
   ArgParser parser({}, {});
   parser.parse(args);
@@ -128,14 +124,24 @@ int runInspect(const Args& args) {
     std::lock_guard lock(mutex);
     log.push_back(json::string(m));
   });
-  auto envelope = zv::ZVPushPayload::initWithPushPayload(payload);
-  json::object out{{"process", envelope->shouldProcessPushNotification()},
-                   {"campaignID", valueJson(envelope->campaignID)},
-                   {"appId", valueJson(envelope->zovAppId)},
-                   {"mediaAttachment", valueJson(envelope->mediaAttachment)},
-                   {"mediaType", valueJson(envelope->mediaType)},
-                   {"richPush", richPushJson(envelope->richPush)}};
-  out["media"] = mediaJson(envelope);
+  auto request = zv::UNNotificationRequest::requestWithRemoteNotification("inspect", payload);
+  auto plan = zv::ServicePlan::make(zv::ZVRichNotificationHandler::sharedHandler(), request, false);
+  // What the service extension does with a failure: its guard logs the message, and the content
+  // goes out without attachments.
+  if (plan.failure)
+    zv::ZVRichNotifUtils::logWithMessage(plan.guardMessage(zv::ServicePlan::Flow::kFull));
+  const auto& envelope = plan.envelope;
+  json::object out;
+  out["process"] = envelope && envelope->shouldProcessPushNotification();
+  out["campaignID"] = envelope ? valueJson(envelope->campaignID) : nullptr;
+  out["appId"] = envelope ? valueJson(envelope->zovAppId) : nullptr;
+  out["mediaAttachment"] = envelope ? valueJson(envelope->mediaAttachment) : nullptr;
+  out["mediaType"] = envelope ? valueJson(envelope->mediaType) : nullptr;
+  out["richPush"] = envelope ? richPushJson(envelope->richPush) : nullptr;
+  out["content"] = json::object{{"title", plan.content->title()},
+                                {"subtitle", plan.content->subtitle()},
+                                {"body", plan.content->body()}};
+  out["media"] = plan.failure ? json::array() : mediaJson(plan.media);
   zv::log::setSinkReceiver({});
   out["log"] = std::move(log);
   std::cout << pretty(out) << "\n";
