@@ -73,6 +73,12 @@ void LocalServer::setPostStatus(int status) {
   postStatus_ = status;
 }
 
+void LocalServer::setPostRedirect(int status, std::string target) {
+  std::lock_guard lock(mutex_);
+  postRedirectStatus_ = status;
+  postRedirectTarget_ = std::move(target);
+}
+
 void LocalServer::setLatency(std::chrono::milliseconds latency) {
   std::lock_guard lock(mutex_);
   latency_ = latency;
@@ -194,6 +200,11 @@ void LocalServer::installRoutes() {
   server_->Post(R"(/.*)", [this](const Request& req, Response& res) {
     record(req);
     std::lock_guard lock(mutex_);
+    if (postRedirectStatus_ && req.path != postRedirectTarget_) {
+      res.status = postRedirectStatus_;
+      res.set_header("Location", postRedirectTarget_);
+      return;
+    }
     res.status = postStatus_;
     if (bodyAllowed(res.status)) res.set_content("ok", "text/plain");
   });

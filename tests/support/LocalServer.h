@@ -11,7 +11,8 @@
 //   GET  /redirect/<k>      302 to /redirect/<k-1>; /redirect/0 answers 200 "redirected"
 //   GET  <a path from addFile>  that file's body and content type, after the file's own delay
 //   POST <any path>         the status set by setPostStatus (200 unless set), body "ok"
-//                           (none for 204 and 304)
+//                           (none for 204 and 304); once setPostRedirect is called, every POST
+//                           but one to its target answers its status with the target as Location
 // Anything else: 404.
 //
 // The listening socket's backlog is small (5, fixed in the library): a burst of many more new
@@ -58,6 +59,7 @@ class LocalServer {
                std::string contentType = "application/octet-stream",
                std::chrono::milliseconds delay = std::chrono::milliseconds(0));
   void setPostStatus(int status);
+  void setPostRedirect(int status, std::string target);
   // Delays every answer by this much.
   void setLatency(std::chrono::milliseconds latency);
   std::vector<Request> requests() const;
@@ -82,6 +84,8 @@ class LocalServer {
   std::condition_variable stopped_;
   bool stopping_ = false;
   int postStatus_ = 200;
+  int postRedirectStatus_ = 0;
+  std::string postRedirectTarget_;
   std::chrono::milliseconds latency_{0};
   struct File {
     std::string body;
