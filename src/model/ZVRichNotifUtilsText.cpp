@@ -13,7 +13,6 @@
 #include "platform/text/HtmlImporter.h"
 #include "platform/text/StyledText.h"
 #include "platform/text/TextMeasurer.h"
-#include "platform/text/Utf16.h"
 
 namespace zv {
 
@@ -30,33 +29,6 @@ long long integerValue(std::string_view s) {
   long long v = 0;
   std::from_chars(s.data(), s.data() + s.size(), v);
   return v;
-}
-
-// Deleting a struck run leaves its neighbours side by side. Where that puts two collapsible spaces
-// together, or a space at the start or the end of a line, one of them goes, so that the text reads
-// as a browser shows the same HTML without the struck elements ("Now <s>$100</s> $50" reads
-// "Now $50"). Blank lines fold into one line break and the text neither starts nor ends with one.
-std::string tidyPlainText(std::u16string chars, std::vector<size_t> seams) {
-  for (size_t k = seams.size(); k-- > 0;) {
-    size_t p = seams[k];
-    if (k + 1 < seams.size() && seams[k + 1] == p) continue;
-    if (p > chars.size()) continue;
-    char16_t left = p > 0 ? chars[p - 1] : u'\n';
-    char16_t right = p < chars.size() ? chars[p] : u'\n';
-    if (right == u' ' && (left == u' ' || left == u'\n')) {
-      chars.erase(p, 1);
-    } else if (left == u' ' && right == u'\n') {
-      chars.erase(p - 1, 1);
-    }
-  }
-  std::u16string out;
-  out.reserve(chars.size());
-  for (char16_t c : chars) {
-    if (c == u'\n' && (out.empty() || out.back() == u'\n')) continue;
-    out.push_back(c);
-  }
-  if (!out.empty() && out.back() == u'\n') out.pop_back();
-  return utf16ToUtf8(out);
 }
 
 }  // namespace
@@ -119,7 +91,6 @@ std::optional<std::string> ZVRichNotifUtils::getStringFromHTML(
           records.push_back(fmt::format("{},{}", range.location, range.length));
         }
       });
-  std::vector<size_t> seams;
   if (!records.empty()) {
     text->beginEditing();
     int32_t removed = 0;
@@ -135,11 +106,11 @@ std::optional<std::string> ZVRichNotifUtils::getStringFromHTML(
       }
       removed = static_cast<int32_t>(removed + length);
       text->deleteCharacters(TextRange{static_cast<size_t>(start), static_cast<size_t>(length)});
-      seams.push_back(static_cast<size_t>(start));
     }
     text->endEditing();
   }
-  return tidyPlainText(text->characters(), std::move(seams));
+  // The characters left, as they are: the spaces on either side of a deleted run both stay.
+  return text->string();
 }
 
 }  // namespace zv

@@ -37,6 +37,10 @@ void ZVExtensionNetworkManager::downloadMedia(
               ZVRichNotifUtils::logWithMessage("Unable to create attachment");
               completion(false, nullptr);
             }
+          } else if (status == 200 && error && error->code == UrlSession::kBodyTooLargeError) {
+            // The server answered; its file is only too large to be an attachment.
+            ZVRichNotifUtils::logWithMessage("Unable to create attachment");
+            completion(false, nullptr);
           } else {
             completion(false, nullptr);
           }

@@ -13,8 +13,11 @@ namespace {
 
 using U = ZVRichNotifUtils;
 
-// Each fragment's expected text was taken from a browser: the rendered text of the fragment as a
-// document once its struck-through elements are removed, blank lines folded into one break.
+// Each fragment's expected text was taken from a browser (the rendered text of the fragment as a
+// document once its struck-through elements are removed), then set apart from it in white space
+// only, where the plain text is meant to differ: deleting a struck run keeps the spaces on both of
+// its sides, and line breaks (blank lines, a break at the start or the end) are the importer's,
+// not folded.
 TEST(ZVRichNotifUtilsTextTest, PlainTextReadsAsABrowserShowsItWithoutStruckText) {
   auto cases = boost::json::parse(
       zvtest::readFile(ZV_SOURCE_DIR "/tests/model/data/plain_text_reference.json"));
@@ -39,8 +42,10 @@ TEST(ZVRichNotifUtilsTextTest, StruckRunsAreDeletedWithTheRunningOffset) {
       // Offsets count UTF-16 units: non-BMP characters take two and are never cut in half.
       {"😀<s>😀</s>😀<s>x</s>😀", "😀😀😀"},
       {"a<s>𝒳𝒴</s>b<s>𝒵</s>c", "abc"},
-      {"👨‍👩‍👧 <s>👍🏽</s> 🇫🇷", "👨‍👩‍👧 🇫🇷"},
-      {"Now <s>$100</s> $50", "Now $50"},
+      {"👨‍👩‍👧 <s>👍🏽</s> 🇫🇷", "👨‍👩‍👧  🇫🇷"},
+      // Only the struck characters go: the spaces around them both stay.
+      {"Now <s>$100</s> $50", "Now  $50"},
+      {"<p><s>gone</s></p><p>kept</p>", "\nkept"},
       {"<b><s>all</s></b>", ""},
   };
   for (const auto& c : cases) EXPECT_EQ(U::getStringFromHTML(c.html), c.plain) << c.html;

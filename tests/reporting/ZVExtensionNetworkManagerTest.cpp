@@ -147,6 +147,27 @@ TEST_P(ReportsTest, AnyOtherAnswerOrNoAnswerKeepsTheEventsAndReportsNo) {
   EXPECT_EQ(seen[0].body, seen[3].body);
 }
 
+// A redirect that would drop the body is the answer; one that keeps it (307, 308) is followed.
+TEST_P(ReportsTest, OnlyRedirectsThatKeepTheBodyAreFollowed) {
+  server.addFile("/landed", "landed");  // a GET there would answer 200
+  for (int status : {301, 302, 303, 307, 308}) {
+    SCOPED_TRACE(status);
+    hostSets("APP1", std::string(R"({"zov_events": )") + kEvents + "}");
+    server.setPostRedirect(status, "/landed");
+    size_t before = server.requests().size();
+    bool followed = status >= 307;
+    EXPECT_EQ(flush(), std::vector<bool>{followed});
+    EXPECT_EQ(storedEvents(), followed ? json::value() : json::parse(kEvents));
+    auto seen = server.requests();
+    ASSERT_EQ(seen.size(), before + (followed ? 2 : 1));
+    if (followed) {
+      EXPECT_EQ(seen.back().method, "POST");
+      EXPECT_EQ(seen.back().path, "/landed");
+      EXPECT_EQ(seen.back().body, seen[before].body);
+    }
+  }
+}
+
 TEST_P(ReportsTest, CompletionRaisingOnYesIsCalledAgainWithNo) {
   EXPECT_EQ(flush(true), (std::vector<bool>{true, false}));  // 200
   EXPECT_EQ(flush(true), (std::vector<bool>{true, false}));  // nothing left to send

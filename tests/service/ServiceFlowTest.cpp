@@ -231,6 +231,20 @@ TEST_F(ServiceFlowTest, FailedDownloadsLeaveNoAttachmentAndStillDeliver) {
   }
 }
 
+// A file larger than any attachment is stopped as it comes in, announced or not, and is refused as
+// an attachment: the server did answer.
+TEST_F(ServiceFlowTest, AFileTooLargeForAnAttachmentIsAnsweredButNotAttached) {
+  servePng("/good.png");
+  std::string size = std::to_string(zv::UNNotificationAttachment::kMaxAttachmentBytes + 1);
+  for (const std::string& path : {"/bytes/" + size, "/chunked/" + size}) {
+    LogCapture capture;
+    auto content = run(payload(richPush({server.url(path), server.url("/good.png")})));
+    ASSERT_TRUE(content) << path;
+    EXPECT_EQ(content->attachments().size(), 1u) << path;
+    EXPECT_TRUE(capture.sinkContains("Unable to create attachment")) << path;
+  }
+}
+
 TEST_F(ServiceFlowTest, AttachmentsComeInTheOrderTheDownloadsFinished) {
   server.addFile("/slow.png", sampleMedia("sample.png"), "image/png",
                  std::chrono::milliseconds(400));

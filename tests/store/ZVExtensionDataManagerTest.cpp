@@ -209,6 +209,30 @@ TEST_F(ZVExtensionDataManagerTest, ReceivedNotificationsAreStampedAndCappedAt31)
   EXPECT_EQ(m.getPendingNotifications().json(), json::array{expected});
 }
 
+// A push the store cannot keep is left out, and costs nothing that was stored before it: nested
+// 511 levels it reads as a payload but not inside the per-application dictionary; 1e309 is no
+// number JSON can write.
+TEST_F(ZVExtensionDataManagerTest, APoisonedPayloadFollowedByAPlainOneKeepsEveryEarlierEvent) {
+  configure();
+  std::string deep = R"({"zentrova": {"cid": "C1", "app_id": "ABC"}, "x": )" +
+                     std::string(510, '[') + std::string(510, ']') + "}";
+  for (const std::string& poison :
+       {deep, std::string(R"({"zentrova": {"cid": "C1", "app_id": "ABC", "price": 1e309}})")}) {
+    zvtest::LogCapture log;
+    m.resetEventsData();
+    m.updatePendingNotifications(Value(json::value(json::array())));
+    m.saveEvent("E", payload(kPayload));
+    m.saveReceivedNotificationWithPayload(Value::parse(kPayload));
+    m.saveReceivedNotificationWithPayload(Value::parse(poison));
+    m.saveReceivedNotificationWithPayload(Value::parse(kPayload));
+    m.saveEvent("E", payload(kPayload));
+    EXPECT_EQ(m.getReceivedEvents().array().size(), 2u) << poison.substr(0, 80);
+    EXPECT_EQ(m.getPendingNotifications().array().size(), 2u);
+    EXPECT_EQ(stored("ABC").at("zov_events").as_array().size(), 2u);
+    EXPECT_FALSE(log.system().empty());
+  }
+}
+
 TEST_F(ZVExtensionDataManagerTest, EventsAreRecordedExactlyAndReset) {
   configure();
   auto p = payload(R"({"zentrova": {"cid": "C1", "app_id": "ABC", "media-attachment": "u",

@@ -74,6 +74,12 @@ void LocalServer::setPostStatus(int status) {
   postStatus_ = status;
 }
 
+void LocalServer::setPostRedirect(int status, std::string target) {
+  std::lock_guard lock(mutex_);
+  postRedirectStatus_ = status;
+  postRedirectTarget_ = std::move(target);
+}
+
 void LocalServer::holdAnswers() {
   std::lock_guard lock(mutex_);
   held_ = true;
@@ -209,6 +215,11 @@ void LocalServer::installRoutes() {
   server_->Post(R"(/.*)", [this](const Request& req, Response& res) {
     record(req);
     std::lock_guard lock(mutex_);
+    if (postRedirectStatus_ && req.path != postRedirectTarget_) {
+      res.status = postRedirectStatus_;
+      res.set_header("Location", postRedirectTarget_);
+      return;
+    }
     res.status = postStatus_;
     if (bodyAllowed(res.status)) res.set_content("ok", "text/plain");
   });

@@ -11,7 +11,8 @@
 //   GET  /redirect/<k>      302 to /redirect/<k-1>; /redirect/0 answers 200 "redirected"
 //   GET  <a path from addFile>  that file's body and content type, after the file's own delay
 //   POST <any path>         the status set by setPostStatus (200 unless set), body "ok"
-//                           (none for 204 and 304)
+//                           (none for 204 and 304); once setPostRedirect is called, every POST
+//                           but one to its target answers its status with the target as Location
 // Anything else: 404.
 //
 // The listening socket's backlog is small (5, fixed in the library): a burst of many more new
@@ -63,6 +64,7 @@ class LocalServer {
   void releaseAnswers();
   // Blocks until a request waits at the gate.
   void awaitHeldRequest();
+  void setPostRedirect(int status, std::string target);
   std::vector<Request> requests() const;
 
   // The bytes /bytes/<n> and /chunked/<n> send.
@@ -88,6 +90,8 @@ class LocalServer {
   bool held_ = false;
   int waiting_ = 0;
   std::condition_variable gate_;
+  int postRedirectStatus_ = 0;
+  std::string postRedirectTarget_;
   struct File {
     std::string body;
     std::string contentType;

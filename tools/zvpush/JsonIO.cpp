@@ -4,6 +4,7 @@
 
 #include <boost/json/serialize.hpp>
 #include <cmath>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <iterator>
@@ -18,6 +19,8 @@ std::string readInput(const std::string& path) {
   if (path == "-") {
     return std::string(std::istreambuf_iterator<char>(std::cin), std::istreambuf_iterator<char>());
   }
+  std::error_code ec;
+  if (std::filesystem::is_directory(path, ec)) throw UsageError(path + " is a directory");
   std::ifstream in(path, std::ios::binary);
   if (!in) throw UsageError("cannot read " + path);
   std::ostringstream s;
@@ -40,10 +43,50 @@ zv::Value readJsonObject(const std::string& path) {
 
 namespace {
 
+// The length of the well-formed UTF-8 sequence at the start of s, or 0 when it is not one.
+size_t utf8SequenceLength(std::string_view s) {
+  auto byte = [&](size_t i) { return static_cast<unsigned char>(s[i]); };
+  auto continuation = [&](size_t i) { return i < s.size() && (byte(i) & 0xC0) == 0x80; };
+  unsigned char b = byte(0);
+  if (b < 0x80) return 1;
+  size_t n = b >= 0xC2 && b <= 0xDF   ? 2
+             : b >= 0xE0 && b <= 0xEF ? 3
+             : b >= 0xF0 && b <= 0xF4 ? 4
+                                      : 0;
+  if (n == 0) return 0;
+  for (size_t i = 1; i < n; ++i) {
+    if (!continuation(i)) return 0;
+  }
+  // No overlong forms, no surrogates, nothing past U+10FFFF.
+  if (n == 3 && ((b == 0xE0 && byte(1) < 0xA0) || (b == 0xED && byte(1) > 0x9F))) return 0;
+  if (n == 4 && ((b == 0xF0 && byte(1) < 0x90) || (b == 0xF4 && byte(1) > 0x8F))) return 0;
+  return n;
+}
+
+// A string as a JSON string literal. Bytes that are not UTF-8 print as U+FFFD, so that what zvpush
+// prints is always valid JSON, whatever the payload or the store holds.
+std::string quoted(std::string_view s) {
+  std::string clean;
+  clean.reserve(s.size());
+  while (!s.empty()) {
+    size_t n = utf8SequenceLength(s);
+    if (n == 0) {
+      clean += "\xEF\xBF\xBD";
+      n = 1;
+    } else {
+      clean.append(s.substr(0, n));
+    }
+    s.remove_prefix(n);
+  }
+  return boost::json::serialize(boost::json::string(clean));
+}
+
 // Numbers with a fraction print in their shortest exact form ("0.5", "1"), not as Boost.JSON's
 // exponent notation ("5E-1"); values JSON cannot hold print as null.
 void writeScalar(std::ostream& out, const boost::json::value& v) {
-  if (!v.is_double()) {
+  if (v.is_string()) {
+    out << quoted(v.get_string());
+  } else if (!v.is_double()) {
     out << boost::json::serialize(v);
   } else if (!std::isfinite(v.get_double())) {
     out << "null";
@@ -65,7 +108,7 @@ void write(std::ostream& out, const boost::json::value& v, int indent) {
     for (const auto& kv : o) {
       if (!first) out << ",\n";
       first = false;
-      out << pad << boost::json::serialize(boost::json::string(kv.key())) << ": ";
+      out << pad << quoted(kv.key()) << ": ";
       write(out, kv.value(), indent + 2);
     }
     out << "\n" << std::string(indent, ' ') << "}";

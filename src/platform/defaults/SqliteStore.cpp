@@ -11,6 +11,7 @@
 #include <initializer_list>
 
 #include "platform/defaults/SqliteFile.h"
+#include "platform/defaults/StoredJson.h"
 #include "platform/foundation/ExactJson.h"
 #include "platform/foundation/Exception.h"
 #include "platform/foundation/Log.h"
@@ -174,21 +175,28 @@ SqliteStore::Loaded SqliteStore::load(std::string_view key) {
     return loaded;
   }
   std::string_view text = columnText(s, 0);
-  try {
-    loaded.entry.root = std::make_shared<json::value>(ExactJson::parse(text));
-  } catch (const Exception& e) {
-    // Unreadable text counts as no value; the next write replaces it.
-    log::system(
-        fmt::format("Zentrova store {}: the value under \"{}\" is not JSON ({}); read as nil",
-                    path_.string(), key, e.reason()));
-    loaded.ok = true;
-    return loaded;
-  }
+  std::optional<json::value> value = readStored(key, text);
   loaded.ok = true;
+  if (!value) return loaded;  // counts as no value; the next write replaces it
+  loaded.entry.root = std::make_shared<json::value>(std::move(*value));
   loaded.entry.version = sqlite3_column_int64(s, 1);
   loaded.entry.owned = true;
   loaded.entry.bytes = text.size();
   return loaded;
+}
+
+std::optional<json::value> SqliteStore::readStored(std::string_view key, std::string_view text) {
+  try {
+    return ExactJson::parse(text);
+  } catch (const Exception& e) {
+    int dropped = 0;
+    std::optional<json::value> rest = StoredJson::salvage(text, &dropped);
+    log::system(fmt::format(
+        "Zentrova store {}: the value under \"{}\" is not JSON ({}); {}", path_.string(), key,
+        e.reason(),
+        rest ? fmt::format("read without its {} unreadable part(s)", dropped) : "read as nil"));
+    return rest;
+  }
 }
 
 Value SqliteStore::get(std::string_view key) {
@@ -225,6 +233,14 @@ std::string_view SqliteStore::serialize(const json::value& value) {
 }
 
 bool SqliteStore::write(std::string_view key, std::shared_ptr<json::value> root, bool owned) {
+  // Never write what cannot be read back: the earlier value stays.
+  if (std::string why = StoredJson::writeRefusal(*root); !why.empty()) {
+    log::system(fmt::format(
+        "Zentrova store {}: the value for \"{}\" was not written because it {}; the earlier "
+        "value stays",
+        path_.string(), key, why));
+    return false;
+  }
   std::string_view text = serialize(*root);
   sqlite3_stmt* s = upsert_.get();
   ResetOnExit reset{s};
@@ -307,12 +323,7 @@ boost::json::object SqliteStore::all() {
   int rc;
   while ((rc = sqlite3_step(s)) == SQLITE_ROW) {
     std::string_view key = columnText(s, 0);
-    try {
-      out[key] = ExactJson::parse(columnText(s, 1));
-    } catch (const Exception& e) {
-      log::system(fmt::format("Zentrova store {}: the value under \"{}\" is not JSON ({}); skipped",
-                              path_.string(), key, e.reason()));
-    }
+    if (auto value = readStored(key, columnText(s, 1))) out[key] = std::move(*value);
   }
   if (rc != SQLITE_DONE) fail(rc, "read");
   return out;

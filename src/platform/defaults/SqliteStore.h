@@ -23,6 +23,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -84,6 +85,8 @@ class SqliteStore {
   // out of date and has been dropped).
   ValueCache::Entry* cached(std::string_view key);
   Loaded load(std::string_view key);
+  // The stored text of key as a value; what can be read of it when it is damaged (reported).
+  std::optional<boost::json::value> readStored(std::string_view key, std::string_view text);
   // Writes value under key and caches it. False when the write failed (reported).
   bool write(std::string_view key, std::shared_ptr<boost::json::value> root, bool owned);
   // The compact JSON text of value, in a buffer that stays valid until the next call.

@@ -1,5 +1,6 @@
 #include "platform/foundation/Url.h"
 
+#include <algorithm>
 #include <boost/url/parse.hpp>
 #include <system_error>
 
@@ -100,7 +101,14 @@ std::string Url::pathExtension() const {
   std::string last = lastPathComponent();
   auto dot = last.rfind('.');
   if (dot == std::string::npos || dot == 0) return "";
-  return last.substr(dot + 1);
+  std::string extension = last.substr(dot + 1);
+  // Decoded bytes that cannot be part of a file name (a NUL, a control character, bytes that are
+  // not UTF-8) make no extension at all, rather than a file named after part of them.
+  bool clean =
+      isValidUtf8(extension) && std::none_of(extension.begin(), extension.end(), [](char c) {
+        return static_cast<unsigned char>(c) < 0x20 || c == 0x7F || c == '\\';
+      });
+  return clean ? extension : "";
 }
 
 std::string percentEncodeQueryAllowed(std::string_view s) {

@@ -35,7 +35,9 @@ class Url {
   // The last path component, ignoring a trailing "/".
   std::string lastPathComponent() const;
   // The extension of the last path component without its dot; "" when there is none (a component
-  // that starts with its only dot, such as ".gif", has none).
+  // that starts with its only dot, such as ".gif", has none, and neither has one whose decoded
+  // bytes are not a clean file-name part: not UTF-8, or holding a NUL or another control
+  // character).
   std::string pathExtension() const;
   bool isFileUrl() const { return url_.scheme() == "file"; }
   // The local path of a file URL.

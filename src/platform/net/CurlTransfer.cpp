@@ -74,8 +74,7 @@ bool CurlTransfer::configure(const UrlSessionConfiguration& configuration, Error
   // redirect cannot lead there either.
   curl_easy_setopt(easy_.get(), CURLOPT_PROTOCOLS_STR, "http,https");
   curl_easy_setopt(easy_.get(), CURLOPT_REDIR_PROTOCOLS_STR, "http,https");
-  curl_easy_setopt(easy_.get(), CURLOPT_FOLLOWLOCATION, 1L);
-  curl_easy_setopt(easy_.get(), CURLOPT_MAXREDIRS, 16L);
+  curl_easy_setopt(easy_.get(), CURLOPT_MAXREDIRS, kMaxRedirects);
   curl_easy_setopt(easy_.get(), CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_2TLS));
   curl_easy_setopt(easy_.get(), CURLOPT_ACCEPT_ENCODING, "");
   curl_easy_setopt(easy_.get(), CURLOPT_TCP_KEEPALIVE, 1L);
@@ -91,7 +90,12 @@ bool CurlTransfer::configure(const UrlSessionConfiguration& configuration, Error
 
   const std::string& method = request.httpMethod();
   bool hasBody = request.httpBody().has_value();
-  if (hasBody || method == "POST") {
+  // A request with a body follows only the redirects that keep it (307 and 308, see
+  // followRedirectWithBody); libcurl would follow a 301, 302 or 303 as a GET without the body, and
+  // that answer's 200 would pass for the body's.
+  sendsBody_ = hasBody || method == "POST";
+  curl_easy_setopt(easy_.get(), CURLOPT_FOLLOWLOCATION, sendsBody_ ? 0L : 1L);
+  if (sendsBody_) {
     requestBody_ = request.httpBody().value_or("");
     curl_easy_setopt(easy_.get(), CURLOPT_POSTFIELDSIZE_LARGE,
                      static_cast<curl_off_t>(requestBody_.size()));
@@ -199,6 +203,22 @@ Error CurlTransfer::errorFor(CURLcode code) const {
   }
   std::string message = errorBuffer_[0] ? std::string(errorBuffer_) : curl_easy_strerror(code);
   return Error{Error::kUrlDomain, static_cast<long>(code), std::move(message)};
+}
+
+bool CurlTransfer::followRedirectWithBody() {
+  if (!sendsBody_ || redirects_ >= kMaxRedirects) return false;
+  long status = 0;
+  char* location = nullptr;
+  curl_easy_getinfo(easy_.get(), CURLINFO_RESPONSE_CODE, &status);
+  if (status != 307 && status != 308) return false;
+  if (curl_easy_getinfo(easy_.get(), CURLINFO_REDIRECT_URL, &location) != CURLE_OK || !location) {
+    return false;
+  }
+  if (curl_easy_setopt(easy_.get(), CURLOPT_URL, location) != CURLE_OK) return false;
+  ++redirects_;
+  body_.clear();
+  received_ = 0;
+  return true;
 }
 
 void CurlTransfer::finish(CURLcode code) {

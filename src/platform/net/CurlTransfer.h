@@ -42,6 +42,10 @@ class CurlTransfer {
   // The time-out error for a transfer whose idle deadline has passed.
   Error timeoutError() const;
 
+  // After a transfer that ended well: when it sent a body and the answer is a 307 or 308, points
+  // it at the new location and returns true, and the engine runs it again (with its method and
+  // body). Other redirects of a request with a body are its answer.
+  bool followRedirectWithBody();
   // Runs the task's completion with the outcome of the transfer (curl's result code), then
   // removes the downloaded file if the completion left it in place.
   void finish(CURLcode code);
@@ -67,7 +71,10 @@ class CurlTransfer {
   std::optional<Error> setupError_;
   UniqueHandle<CURL, curl_easy_cleanup> easy_;
   UniqueHandle<curl_slist, curl_slist_free_all> headerList_;
+  static constexpr long kMaxRedirects = 16;
   std::string requestBody_;
+  bool sendsBody_ = false;
+  long redirects_ = 0;
   std::string extraCaFile_;
   std::filesystem::path downloadDirectory_;
   char errorBuffer_[CURL_ERROR_SIZE] = {};

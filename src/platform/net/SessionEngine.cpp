@@ -119,6 +119,10 @@ void SessionEngine::finishDone() {
     curl_multi_remove_handle(multi_.get(), easy);
     auto it = transfers_.find(easy);
     if (it == transfers_.end()) continue;
+    if (code == CURLE_OK && it->second->followRedirectWithBody() &&
+        curl_multi_add_handle(multi_.get(), easy) == CURLM_OK) {
+      continue;
+    }
     std::unique_ptr<CurlTransfer> transfer = std::move(it->second);
     transfers_.erase(it);
     transfer->finish(code);

@@ -28,6 +28,8 @@ class UrlSession {
  public:
   // The body size limit of the media downloads of the service extension.
   static constexpr std::uint64_t kMediaDownloadLimit = 50ull * 1024 * 1024;
+  // The code of the error a task ends with when its body grew past its maximum size.
+  static constexpr long kBodyTooLargeError = 63;
 
   static std::shared_ptr<UrlSession> sessionWithConfiguration(
       UrlSessionConfiguration configuration);

@@ -54,6 +54,17 @@ bool hasToken(std::string_view list, std::string_view token, bool ignoreCase) {
 
 bool startsWith(std::string_view s, std::string_view p) { return s.substr(0, p.size()) == p; }
 
+// An unquoted attribute value must be a CSS identifier: no digit first (nor after a leading "-").
+bool isIdentifier(std::string_view s) {
+  if (s.empty()) return false;
+  size_t first = s[0] == '-' && s.size() > 1 ? 1 : 0;
+  if (s[first] >= '0' && s[first] <= '9') return false;
+  for (char c : s) {
+    if (!isNameChar(c)) return false;
+  }
+  return true;
+}
+
 }  // namespace
 
 std::optional<Selector> Selector::parse(std::string_view text) {
@@ -124,6 +135,8 @@ std::optional<Selector> Selector::parse(std::string_view text) {
         if (value.size() >= 2 && (value[0] == '"' || value[0] == '\'') &&
             value.back() == value[0]) {
           value = value.substr(1, value.size() - 2);
+        } else if (!isIdentifier(value)) {
+          return std::nullopt;  // neither a string nor a name: "[x=]", "[x=a b]"
         }
         test.value = std::string(value);
       }

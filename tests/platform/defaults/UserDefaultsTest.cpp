@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <boost/json/parse.hpp>
+#include <cmath>
 #include <fstream>
 
 #include "platform/defaults/UserDefaults.h"
@@ -16,6 +17,7 @@ namespace zv {
 namespace {
 
 namespace fs = std::filesystem;
+namespace json = boost::json;
 
 class UserDefaultsTest : public ::testing::Test {
  protected:
@@ -150,6 +152,82 @@ void damagePages(const fs::path& file) {
   f.seekp(4096);
   std::string junk(8192, '\xAB');
   f.write(junk.data(), junk.size());
+}
+
+std::string nested(int levels, const std::string& inner = "0") {
+  return std::string(levels, '[') + inner + std::string(levels, ']');
+}
+
+// What the store could not read back is refused at the write, and the earlier value stays.
+TEST_F(UserDefaultsTest, ValuesThatCannotBeReadBackAreNotWritten) {
+  auto s = suite();
+  zvtest::LogCapture log;
+  std::pair<json::value, const char*> refused[] = {
+      {Value::parse(nested(512)).json(), ""},  // then wrapped once more below
+      {json::value(json::object{{"a", json::array{1, HUGE_VAL}}}), "holds the number inf"},
+      {json::value(-HUGE_VAL), "holds the number -inf"},
+      {json::value(std::nan("")), "holds the number nan"},
+      {json::value("caf\xE9"), "holds a string that is not UTF-8"},
+      {json::value(json::object{{"caf\xE9", 1}}), "holds a key that is not UTF-8"},
+  };
+  for (auto [value, why] : refused) {
+    if (!*why) {
+      value = json::array{value};
+      why = "is nested deeper than 512 levels";
+    }
+    ASSERT_TRUE(s->setObject(Value("earlier"), "k"));
+    EXPECT_FALSE(s->setObject(Value(value), "k")) << why;
+    EXPECT_FALSE(s->modifyObject("k", [&](json::value& v) { v = value; })) << why;
+    EXPECT_EQ(UserDefaults::initWithSuiteName("group.com.example.app", dir.path())
+                  ->objectForKey("k")
+                  .string(),
+              "earlier");
+    ASSERT_FALSE(log.system().empty());
+    EXPECT_NE(log.system().back().find(std::string("\"k\" was not written because it ") + why),
+              std::string::npos)
+        << log.system().back();
+  }
+  EXPECT_TRUE(s->setObject(Value::parse(nested(512)), "deepest"));
+  EXPECT_EQ(s->objectForKey("deepest").json(), Value::parse(nested(512)).json());
+}
+
+// A value already unreadable in the file costs only its unreadable parts, two levels deep.
+TEST_F(UserDefaultsTest, AnUnreadableStoredValueLosesOnlyItsUnreadableParts) {
+  suite()->setObject(Value("x"), "made");
+  std::string deep = nested(520);
+  struct Case {
+    std::string text;
+    std::optional<std::string> read;  // nullopt: nil
+  } cases[] = {
+      {R"({"events": [1, 2], "pending": [{"a": 1}, {"x": Infinity}, {"b": "]}"}], "n": 3})",
+       R"({"events": [1, 2], "pending": [{"a": 1}, {"b": "]}"}], "n": 3})"},
+      {R"({"pending": [)" + deep + R"(, 7], "e": 1})", R"({"pending": [7], "e": 1})"},
+      {R"({"pending": [)" + nested(511) + R"(, 7]})", R"({"pending": [7]})"},  // 513 in all
+      {R"([1, {"a": NaN}, 2])", "[1, {}, 2]"},
+      {R"({"a": 1, "b": )", std::nullopt},
+      {"Infinity", std::nullopt},
+  };
+  auto file = dir.path() / "group.com.example.app.sqlite";
+  int version = 0;  // a new one for each text, as every write makes
+  for (const auto& c : cases) {
+    zvtest::LogCapture log;
+    std::string quoted;
+    for (char ch : c.text) quoted += ch == '\'' ? std::string("''") : std::string(1, ch);
+    runSql(file, ("INSERT OR REPLACE INTO zv_defaults VALUES('k', '" + quoted + "', " +
+                  std::to_string(++version) + ")")
+                     .c_str());
+    Value v = suite()->objectForKey("k");
+    if (c.read) {
+      ASSERT_FALSE(v.isNil()) << c.text.substr(0, 80);
+      EXPECT_EQ(v.json(), json::parse(*c.read)) << c.text.substr(0, 80);
+      EXPECT_EQ(suite()->dictionaryRepresentation().at("k"), json::parse(*c.read));
+    } else {
+      EXPECT_TRUE(v.isNil()) << c.text;
+    }
+    ASSERT_FALSE(log.system().empty());
+    EXPECT_NE(log.system()[0].find("the value under \"k\" is not JSON"), std::string::npos);
+    EXPECT_EQ(suite()->objectForKey("made").string(), "x");
+  }
 }
 
 TEST_F(UserDefaultsTest, DamagedFilesAreMovedAsideAndTheSuiteStartsEmpty) {
