@@ -11,6 +11,14 @@ pkg_check_modules(SQLITE REQUIRED IMPORTED_TARGET sqlite3)
 pkg_check_modules(GUMBO REQUIRED IMPORTED_TARGET gumbo)
 pkg_check_modules(MAGIC REQUIRED IMPORTED_TARGET libmagic)
 pkg_check_modules(PANGO REQUIRED IMPORTED_TARGET pangocairo pangoft2 fontconfig cairo)
+pkg_check_modules(IMAGES REQUIRED IMPORTED_TARGET libpng libjpeg libwebp libwebpdemux)
+pkg_check_modules(FFMPEG REQUIRED IMPORTED_TARGET libavformat libavcodec libavutil libswscale)
+# giflib ships no pkg-config file.
+find_path(GIF_INCLUDE_DIR gif_lib.h REQUIRED)
+find_library(GIF_LIBRARY gif REQUIRED)
+add_library(zv_giflib INTERFACE)
+target_include_directories(zv_giflib INTERFACE ${GIF_INCLUDE_DIR})
+target_link_libraries(zv_giflib INTERFACE ${GIF_LIBRARY})
 
 if(ZV_BUILD_TESTS OR ZV_BUILD_BENCH)
   # Debian's cpp-httplib is a compiled library; its compile definitions come from pkg-config.

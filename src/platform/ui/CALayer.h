@@ -11,6 +11,12 @@
 
 namespace zv {
 
+class CGImage;
+
+// How a layer's own picture fills its bounds: stretched, fitted inside (letterboxed), or filling
+// them (cropped).
+enum class CALayerContentsGravity { kResize, kResizeAspect, kResizeAspectFill };
+
 class CALayer : public std::enable_shared_from_this<CALayer> {
  public:
   CALayer() = default;
@@ -29,6 +35,11 @@ class CALayer : public std::enable_shared_from_this<CALayer> {
 
   bool masksToBounds() const { return masksToBounds_; }
   void setMasksToBounds(bool masks) { masksToBounds_ = masks; }
+
+  // The picture a layer that draws something of its own shows now (a clip's frame at its player's
+  // time), drawn under its sublayers; nullptr for none.
+  virtual std::shared_ptr<CGImage> contents() const { return nullptr; }
+  virtual CALayerContentsGravity contentsGravity() const { return CALayerContentsGravity::kResize; }
 
   const std::vector<std::shared_ptr<CALayer>>& sublayers() const { return sublayers_; }
   std::shared_ptr<CALayer> superlayer() const { return superlayer_.lock(); }
