@@ -28,7 +28,9 @@ struct PixelBuffer {
   std::vector<std::uint32_t> data;  // width * height words, row by row
 
   std::uint32_t* row(int y) { return data.data() + static_cast<std::size_t>(y) * width; }
-  const std::uint32_t* row(int y) const { return data.data() + static_cast<std::size_t>(y) * width; }
+  const std::uint32_t* row(int y) const {
+    return data.data() + static_cast<std::size_t>(y) * width;
+  }
   std::size_t byteSize() const { return data.size() * sizeof(std::uint32_t); }
 
   // Packs straight (not premultiplied) 8-bit components into one pixel.
