@@ -20,6 +20,7 @@
 namespace zv {
 
 class UrlSession;
+class UrlSessionTask;
 class ZVMedia;
 class UNNotificationAttachment;
 
@@ -49,9 +50,8 @@ class ZVExtensionNetworkManager {
   // cannot form one.
   std::optional<Url> reportAddRequestURL();
 
-  // Downloads one media item and makes it an attachment (defined with the service extension's
-  // media handling).
-  void downloadMedia(
+  // Downloads one media item and makes it an attachment; returns the running download task.
+  std::shared_ptr<UrlSessionTask> downloadMedia(
       const std::shared_ptr<ZVMedia>& media,
       std::function<void(bool, std::shared_ptr<UNNotificationAttachment>)> completion);
 

@@ -12,7 +12,7 @@
 
 namespace zv {
 
-void ZVExtensionNetworkManager::downloadMedia(
+std::shared_ptr<UrlSessionTask> ZVExtensionNetworkManager::downloadMedia(
     const std::shared_ptr<ZVMedia>& media,
     std::function<void(bool, std::shared_ptr<UNNotificationAttachment>)> completion) {
   auto session = getZoVURLSession();
@@ -52,6 +52,7 @@ void ZVExtensionNetworkManager::downloadMedia(
       },
       UNNotificationAttachment::kMaxAttachmentBytes);
   task->resume();
+  return task;
 }
 
 }  // namespace zv

@@ -18,6 +18,10 @@ void ZVRichNotification::getLocalNotificationContentForRequest(
       request, std::move(completionHandler));
 }
 
+void ZVRichNotification::serviceExtensionTimeWillExpire() {
+  ZVRichNotificationHandler::sharedHandler().serviceExtensionTimeWillExpire();
+}
+
 void ZVRichNotification::setAppGroupID(const std::optional<std::string>& appGroupID) {
   ZVExtensionDataManager::sharedManager().setAppGroupID(appGroupID);
 }

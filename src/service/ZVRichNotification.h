@@ -17,6 +17,9 @@ class ZVRichNotification {
   static void getLocalNotificationContentForRequest(
       const std::shared_ptr<UNNotificationRequest>& request,
       ZVRichNotificationHandler::ContentHandler completionHandler);
+  // The phone gives the service extension about 30 seconds: when they are nearly up, it calls
+  // this, and every request still in flight is delivered at once with what is ready.
+  static void serviceExtensionTimeWillExpire();
   static void setAppGroupID(const std::optional<std::string>& appGroupID);
   static void updateBadgeWithNotificationContent(
       const std::shared_ptr<UNMutableNotificationContent>& content);

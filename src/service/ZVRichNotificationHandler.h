@@ -17,6 +17,7 @@
 namespace zv {
 
 class ZVMedia;
+class MediaDownloads;
 class ZVPushPayload;
 class ZVRichPush;
 class OperationQueue;
@@ -66,6 +67,11 @@ class ZVRichNotificationHandler {
   void getAttachmentsForNotification(const std::shared_ptr<ZVPushPayload>& payload,
                                      std::function<void(const Attachments&)> completion);
 
+  // The phone is about to end the extension. Every request still in flight is delivered at once
+  // with what is ready (its rewritten content and the attachments finished so far) and its
+  // downloads still running are stopped; its content handler is not called again afterwards.
+  void serviceExtensionTimeWillExpire();
+
   // The queue each media download is started from; its width is set per request.
   std::shared_ptr<OperationQueue> imageDownloadOperationQueue;
 
@@ -86,12 +92,18 @@ class ZVRichNotificationHandler {
   // flow only) the shown event and the report, and the content handler, called exactly once.
   void runRequestFlow(const std::shared_ptr<UNNotificationRequest>& request, bool full,
                       ContentHandler contentHandler);
-  // Downloads the media side by side; completion as for getAttachmentsForNotification.
-  void downloadAttachments(const std::vector<std::shared_ptr<ZVMedia>>& media,
-                           std::function<void(const Attachments&)> completion);
+  // One request's single call of its content handler, by the flow or by the time budget.
+  struct Delivery;
+
+  // Downloads the media side by side; completion as for getAttachmentsForNotification. Returns
+  // the running downloads, or nullptr when there is nothing to download.
+  std::shared_ptr<MediaDownloads> downloadAttachments(
+      const std::vector<std::shared_ptr<ZVMedia>>& media,
+      std::function<void(const Attachments&)> completion);
 
   mutable std::mutex mutex_;
   std::shared_ptr<NotificationCenter> notificationCenter_;
+  std::vector<std::weak_ptr<Delivery>> inFlight_;
 };
 
 }  // namespace zv

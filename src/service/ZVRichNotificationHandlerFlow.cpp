@@ -1,6 +1,8 @@
 // The request flows and the badge rule of ZVRichNotificationHandler.
 #include <fmt/format.h>
 
+#include <mutex>
+
 #include "model/ZVPushPayload.h"
 #include "model/ZVRichNotifUtils.h"
 #include "model/ZVRichPush.h"
@@ -10,6 +12,7 @@
 #include "platform/notifications/UNNotificationRequest.h"
 #include "platform/notifications/UNUserNotificationCenter.h"
 #include "reporting/ZVExtensionNetworkManager.h"
+#include "service/MediaDownloads.h"
 #include "service/ServicePlan.h"
 #include "service/ZVRichNotificationHandler.h"
 #include "store/ZVExtensionDataManager.h"
@@ -26,6 +29,68 @@ void logException(const char* prefix, const Exception& e) {
 }
 
 }  // namespace
+
+// The content handler of one request, called exactly once: by the flow when it ends, or earlier by
+// the time budget with what is ready then.
+struct ZVRichNotificationHandler::Delivery {
+  std::mutex mutex;
+  bool done = false;
+  std::shared_ptr<UNMutableNotificationContent> content;
+  ContentHandler handler;
+  std::shared_ptr<MediaDownloads> downloads;
+
+  Delivery(std::shared_ptr<UNMutableNotificationContent> c, ContentHandler h)
+      : content(std::move(c)), handler(std::move(h)) {}
+
+  bool isDone() {
+    std::lock_guard lock(mutex);
+    return done;
+  }
+  void setDownloads(std::shared_ptr<MediaDownloads> running) {
+    std::lock_guard lock(mutex);
+    downloads = std::move(running);
+  }
+  // The flow's end.
+  void deliver() {
+    {
+      std::lock_guard lock(mutex);
+      if (done) return;
+      done = true;
+    }
+    handler(content);
+  }
+  // The budget's end: a copy of the content as it stands, with the attachments finished so far;
+  // the downloads still running are stopped.
+  void expire() {
+    std::shared_ptr<UNMutableNotificationContent> best;
+    std::shared_ptr<MediaDownloads> running;
+    {
+      std::lock_guard lock(mutex);
+      if (done) return;
+      done = true;
+      best = content->mutableCopy();
+      running = downloads;
+    }
+    if (running) {
+      auto attachments = running->finishedSoFar();
+      if (!attachments.empty()) best->setAttachments(attachments);
+      running->stop();
+    }
+    handler(best);
+  }
+};
+
+void ZVRichNotificationHandler::serviceExtensionTimeWillExpire() {
+  std::vector<std::shared_ptr<Delivery>> pending;
+  {
+    std::lock_guard lock(mutex_);
+    for (const auto& weak : inFlight_) {
+      if (auto delivery = weak.lock()) pending.push_back(delivery);
+    }
+    inFlight_.clear();
+  }
+  for (const auto& delivery : pending) delivery->expire();
+}
 
 void ZVRichNotificationHandler::handleRichNotificationRequest(
     const std::shared_ptr<UNNotificationRequest>& request, ContentHandler contentHandler) {
@@ -45,10 +110,16 @@ void ZVRichNotificationHandler::runRequestFlow(
   const auto flow = full ? ServicePlan::Flow::kFull : ServicePlan::Flow::kContentOnly;
   ServicePlan plan = ServicePlan::make(*this, request, true);
   auto content = plan.content;
+  auto delivery = std::make_shared<Delivery>(content, std::move(contentHandler));
+  {
+    std::lock_guard lock(mutex_);
+    std::erase_if(inFlight_, [](const auto& weak) { return weak.expired(); });
+    inFlight_.push_back(delivery);
+  }
   try {
     if (!plan.payload) {
       if (plan.failure) ZVRichNotifUtils::logWithMessage(plan.guardMessage(flow));
-      contentHandler(content);
+      delivery->deliver();
       return;
     }
     auto payload = plan.payload;
@@ -60,15 +131,17 @@ void ZVRichNotificationHandler::runRequestFlow(
     }
     if (plan.failure) {
       ZVRichNotifUtils::logWithMessage(plan.guardMessage(flow));
-      contentHandler(content);
+      delivery->deliver();
       return;
     }
-    downloadAttachments(
-        plan.media, [content, payload, full, contentHandler](const Attachments& attachments) {
+    auto downloads = downloadAttachments(
+        plan.media, [content, payload, full, delivery](const Attachments& attachments) {
+          // Once the budget has delivered, the extension is ending: nothing more is done.
+          if (delivery->isDone()) return;
           try {
             if (!attachments.empty()) content->setAttachments(attachments);
             if (!full) {
-              contentHandler(content);
+              delivery->deliver();
               return;
             }
             const auto& rich = payload->richPush;
@@ -79,16 +152,17 @@ void ZVRichNotificationHandler::runRequestFlow(
             // Delivery waits for the report: the notification shows once the request has finished,
             // failed or been skipped.
             ZVExtensionNetworkManager::sharedManager().flushEventsWithCompletionBlock(
-                [content, contentHandler](bool) { contentHandler(content); });
+                [delivery](bool) { delivery->deliver(); });
           } catch (const Exception& e) {
             logException("Exception while getting attachments: ", e);
-            contentHandler(content);
+            delivery->deliver();
           }
         });
+    delivery->setDownloads(std::move(downloads));
   } catch (const Exception& e) {
     plan.failure = e.description();
     ZVRichNotifUtils::logWithMessage(plan.guardMessage(flow));
-    contentHandler(content);
+    delivery->deliver();
   }
 }
 

@@ -17,6 +17,7 @@
 #include "platform/notifications/UNNotificationSound.h"
 #include "reporting/ZVExtensionNetworkManager.h"
 #include "service/ServiceFlowFixture.h"
+#include "service/ZVRichNotification.h"
 
 namespace zvtest {
 namespace {
@@ -308,6 +309,41 @@ TEST_F(ServiceFlowTest, ContentOnlyFlowRewritesAndAttachesButStoresNothing) {
   EXPECT_EQ(content->attachments().size(), 1u);
   EXPECT_TRUE(suite->objectForKey(kAppId).isNil());
   EXPECT_TRUE(requests("POST").empty());
+}
+
+// When the time is nearly up, the request is delivered at once with what is ready: the rewritten
+// texts and the attachments finished so far; what still runs is stopped and never delivers again.
+TEST_F(ServiceFlowTest, TheTimeBudgetDeliversWhatIsReadyOnce) {
+  LocalServer media;
+  media.addFile("/a.png", sampleMedia("sample.png"), "image/png");
+  struct Case {
+    const char* what;
+    bool contentOnly;
+    bool mediaHeld;  // else the report is held, after the download finished
+    size_t attachments;
+  } cases[] = {
+      {"a download that never ends", false, true, 0},
+      {"the same in the content-only flow", true, true, 0},
+      {"a report that never ends", false, false, 1},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    LocalServer& held = c.mediaHeld ? media : server;
+    held.holdAnswers();
+    auto content = run(payload(richPush({media.url("/a.png")})), c.contentOnly, [&] {
+      held.awaitHeldRequest();
+      zv::ZVRichNotification::serviceExtensionTimeWillExpire();
+    });
+    ASSERT_TRUE(content);
+    EXPECT_EQ(content->title(), "Rich title");
+    EXPECT_EQ(content->attachments().size(), c.attachments);
+    EXPECT_EQ(handlerCalls, 1);
+    // Nothing was reported, so every event recorded stays for the next report.
+    if (!c.contentOnly) {
+      EXPECT_FALSE(storedEvents().array().empty());
+    }
+    held.releaseAnswers();
+  }
 }
 
 }  // namespace

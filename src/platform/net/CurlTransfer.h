@@ -37,6 +37,7 @@ class CurlTransfer {
   CurlTransfer& operator=(const CurlTransfer&) = delete;
 
   CURL* handle() const { return easy_.get(); }
+  const std::shared_ptr<UrlSessionTask>& task() const { return task_; }
   // When the transfer times out unless data moves before; nullopt without a time-out.
   std::optional<Clock::time_point> idleDeadline() const;
   // The time-out error for a transfer whose idle deadline has passed.

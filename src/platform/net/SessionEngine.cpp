@@ -4,6 +4,8 @@
 #include <chrono>
 #include <new>
 
+#include "platform/net/UrlSession.h"
+
 namespace zv {
 
 namespace {
@@ -48,6 +50,8 @@ void SessionEngine::start(std::shared_ptr<UrlSessionTask> task) {
   curl_multi_wakeup(multi_.get());
 }
 
+void SessionEngine::cancel() { curl_multi_wakeup(multi_.get()); }
+
 void SessionEngine::shutdown() {
   std::thread thread;
   {
@@ -71,6 +75,7 @@ bool SessionEngine::isDelegateThread() const {
 
 void SessionEngine::run() {
   while (!stopping_) {
+    endCancelled();
     beginPending();
     int running = 0;
     curl_multi_perform(multi_.get(), &running);
@@ -93,7 +98,13 @@ void SessionEngine::beginPending() {
   }
   for (auto& task : starting) {
     if (stopping_) return;
+    bool cancelled = task->isCancelled();
     auto transfer = CurlTransfer::create(std::move(task), configuration_);
+    if (cancelled) {
+      transfer->finishWithError(
+          Error{Error::kUrlDomain, UrlSession::kCancelledError, "The task was cancelled."});
+      continue;
+    }
     if (auto error = transfer->setupError()) {
       transfer->finishWithError(*error);
       continue;
@@ -142,6 +153,21 @@ void SessionEngine::expireIdle() {
     std::unique_ptr<CurlTransfer> transfer = std::move(transfers_[easy]);
     transfers_.erase(easy);
     transfer->finishWithError(transfer->timeoutError());
+  }
+}
+
+void SessionEngine::endCancelled() {
+  std::vector<CURL*> cancelled;
+  for (const auto& [easy, transfer] : transfers_) {
+    if (transfer->task()->isCancelled()) cancelled.push_back(easy);
+  }
+  for (CURL* easy : cancelled) {
+    if (stopping_) return;
+    curl_multi_remove_handle(multi_.get(), easy);
+    std::unique_ptr<CurlTransfer> transfer = std::move(transfers_[easy]);
+    transfers_.erase(easy);
+    transfer->finishWithError(
+        Error{Error::kUrlDomain, UrlSession::kCancelledError, "The task was cancelled."});
   }
 }
 

@@ -35,6 +35,8 @@ class SessionEngine : public std::enable_shared_from_this<SessionEngine> {
   // Queues a resumed task for the delegate thread (starting the thread if needed). Ignored once
   // the engine is shutting down.
   void start(std::shared_ptr<UrlSessionTask> task);
+  // Wakes the delegate thread to end the tasks that were cancelled.
+  void cancel();
   // Stops the delegate thread and waits for it, unless called on it (from a completion), in which
   // case the thread ends as soon as that completion returns. Idempotent.
   void shutdown();
@@ -46,6 +48,7 @@ class SessionEngine : public std::enable_shared_from_this<SessionEngine> {
   void beginPending();
   void finishDone();
   void expireIdle();
+  void endCancelled();
   int nextWaitMilliseconds() const;
   void dropAll();
 

@@ -30,6 +30,8 @@ class UrlSession {
   static constexpr std::uint64_t kMediaDownloadLimit = 50ull * 1024 * 1024;
   // The code of the error a task ends with when its body grew past its maximum size.
   static constexpr long kBodyTooLargeError = 63;
+  // The code of the error a cancelled task ends with.
+  static constexpr long kCancelledError = -999;
 
   static std::shared_ptr<UrlSession> sessionWithConfiguration(
       UrlSessionConfiguration configuration);

@@ -35,6 +35,12 @@ void UrlSessionTask::resume() {
   if (auto engine = engine_.lock()) engine->start(shared_from_this());
 }
 
+void UrlSessionTask::cancel() {
+  if (cancelled_.exchange(true)) return;
+  if (state_.load() != State::kRunning) return;  // suspended: resume() finds it cancelled
+  if (auto engine = engine_.lock()) engine->cancel();
+}
+
 DataTaskCompletion UrlSessionTask::takeDataCompletion() { return std::move(dataCompletion_); }
 
 DownloadTaskCompletion UrlSessionTask::takeDownloadCompletion() {

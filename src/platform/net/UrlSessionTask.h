@@ -37,6 +37,10 @@ class UrlSessionTask : public std::enable_shared_from_this<UrlSessionTask> {
 
   // Starts the task. Only the first call counts; later calls do nothing.
   void resume();
+  // Stops the task: a task not yet completed completes with the cancelled error (code
+  // UrlSession::kCancelledError), soon, on the delegate thread; a suspended one when resumed.
+  void cancel();
+  bool isCancelled() const { return cancelled_.load(); }
 
   State state() const { return state_.load(); }
   std::uint64_t taskIdentifier() const { return identifier_; }
@@ -61,6 +65,7 @@ class UrlSessionTask : public std::enable_shared_from_this<UrlSessionTask> {
   UrlSessionTask(std::weak_ptr<SessionEngine> engine, UrlRequest request);
 
   std::weak_ptr<SessionEngine> engine_;
+  std::atomic<bool> cancelled_{false};
   UrlRequest request_;
   std::uint64_t identifier_;
   bool download_ = false;

@@ -231,6 +231,38 @@ TEST_F(UrlSessionFailureTest, DestroyedSessionDropsRunningTasks) {
   EXPECT_FALSE(called);
 }
 
+// A cancelled task completes once, with the cancelled error: while it waits for its answer, or
+// when resumed after the cancel.
+TEST_F(UrlSessionFailureTest, CancelledTasksEndWithTheCancelledError) {
+  server.holdAnswers();
+  for (bool runningFirst : {true, false}) {
+    SCOPED_TRACE(runningFirst ? "cancelled while running" : "cancelled before resume");
+    auto done = std::make_shared<std::promise<Outcome>>();
+    auto calls = std::make_shared<std::atomic<int>>(0);
+    auto task =
+        session->downloadTaskWithURL(*Url::parse(server.url("/bytes/10")),
+                                     [done, calls](auto location, auto response, auto error) {
+                                       if (calls->fetch_add(1) == 0)
+                                         done->set_value({std::nullopt, location, response, error});
+                                     });
+    if (runningFirst) {
+      task->resume();
+      server.awaitHeldRequest();
+      task->cancel();
+    } else {
+      task->cancel();
+      task->resume();
+    }
+    Outcome o = await(done->get_future());
+    EXPECT_EQ(o.code(), UrlSession::kCancelledError);
+    EXPECT_FALSE(o.location);
+    EXPECT_TRUE(task->isCancelled());
+    fetch(*session, UrlRequest());  // drained: no second completion
+    EXPECT_EQ(calls->load(), 1);
+  }
+  server.releaseAnswers();
+}
+
 TEST(PlatformUrlSessionDeathTest, ProcessExitsCleanlyWithATaskInFlight) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   auto exitDuringTransfer = [] {
