@@ -20,10 +20,9 @@ add_library(zv_giflib INTERFACE)
 target_include_directories(zv_giflib INTERFACE ${GIF_INCLUDE_DIR})
 target_link_libraries(zv_giflib INTERFACE ${GIF_LIBRARY})
 
-if(ZV_BUILD_TESTS OR ZV_BUILD_BENCH)
-  # Debian's cpp-httplib is a compiled library; its compile definitions come from pkg-config.
-  pkg_check_modules(HTTPLIB REQUIRED IMPORTED_TARGET cpp-httplib)
-endif()
+# zvpush serve and the test servers: Debian's cpp-httplib is a compiled library; its compile
+# definitions come from pkg-config.
+pkg_check_modules(HTTPLIB REQUIRED IMPORTED_TARGET cpp-httplib)
 if(ZV_BUILD_TESTS)
   find_package(GTest REQUIRED)
 endif()

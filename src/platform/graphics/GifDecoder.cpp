@@ -199,6 +199,7 @@ void GifDecoder::dispose(const Frame& f) {
   if (f.disposal == Disposal::kNone) return;
   int x0 = std::min(f.left, width_), x1 = std::min(f.left + f.width, width_);
   int y0 = std::min(f.top, height_), y1 = std::min(f.top + f.height, height_);
+  if (x0 >= x1) return;  // nothing of the frame was on the screen
   std::size_t span = static_cast<std::size_t>(x1 - x0);
   for (int y = y0; y < y1; ++y) {
     std::uint32_t* row = canvas_->row(y) + x0;
@@ -214,7 +215,7 @@ void GifDecoder::draw(const Frame& f) {
   std::string_view b = bytes_;
   int x0 = std::min(f.left, width_), x1 = std::min(f.left + f.width, width_);
   int y0 = std::min(f.top, height_), y1 = std::min(f.top + f.height, height_);
-  if (f.disposal == Disposal::kPrevious) {
+  if (f.disposal == Disposal::kPrevious && x0 < x1) {
     std::size_t span = static_cast<std::size_t>(x1 - x0);
     saved_.resize(span * static_cast<std::size_t>(y1 - y0));
     for (int y = y0; y < y1; ++y) {

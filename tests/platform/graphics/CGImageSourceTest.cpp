@@ -127,5 +127,16 @@ TEST(CGImageSourceTest, FramesHoldNoPixelsOfTheirOwn) {
   }
 }
 
+// Inputs the fuzzers found faults with decode without one now (the sanitizer pass checks).
+TEST(CGImageSourceTest, InputsTheFuzzersFoundDecodeCleanly) {
+  for (const auto& entry : fs::directory_iterator(data("regressions"))) {
+    auto bytes = std::make_shared<const std::string>(zvtest::readFile(entry.path()));
+    auto source = CGImageSource::createWithData(bytes);
+    for (size_t i = 0; source && i < source->count(); ++i) {
+      EXPECT_TRUE(source->createImageAtIndex(i)->pixels()) << entry.path();
+    }
+  }
+}
+
 }  // namespace
 }  // namespace zv
