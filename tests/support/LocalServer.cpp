@@ -188,6 +188,18 @@ void LocalServer::installRoutes() {
   server_->Get(R"(/bytes/(\d+))", bytes(false, false));
   server_->Get(R"(/chunked/(\d+))", bytes(true, false));
   server_->Get(R"(/cut/(\d+))", bytes(false, true));
+  // A body without a length, one byte every <ms> milliseconds, until the server stops.
+  server_->Get(R"(/trickle/(\d+))", [this](const Request& req, Response& res) {
+    record(req);
+    auto every = std::chrono::milliseconds(std::stol(req.matches[1]));
+    res.set_chunked_content_provider(
+        "application/octet-stream",
+        [this, every](std::size_t, DataSink& sink) { return pause(every) && sink.write("x", 1); });
+  });
+  server_->Get("/to-file", [this](const Request& req, Response& res) {
+    record(req);
+    res.set_redirect("file:///etc/hostname");
+  });
   server_->Get(R"(/redirect/(\d+))", [this](const Request& req, Response& res) {
     record(req);
     int k = std::stoi(req.matches[1]);

@@ -66,7 +66,7 @@ json::value describe(const zv::UNNotificationContent& c, const std::string& iden
 }
 
 int run(const Args& args) {
-  ArgParser p({"--store", "--app-group", "--delivered", "--tmp", "--ca-file", "--id"},
+  ArgParser p({"--store", "--app-group", "--delivered", "--tmp", "--ca-file", "--id", "--budget"},
               {"--content-only", "--log"});
   p.parse(args);
   if (p.positional().size() != 1) throw UsageError("expected one PAYLOAD.json");
@@ -81,6 +81,9 @@ int run(const Args& args) {
     if (*n < 0 || *n != static_cast<long>(*n)) throw UsageError("--delivered needs a count");
     platform.notificationCenter()->setShownCount(static_cast<size_t>(*n));
   }
+  // The phone gives the service extension about 30 seconds, then shows the best attempt.
+  double budget = p.number("--budget").value_or(30);
+  if (!(budget > 0 && budget <= 86400)) throw UsageError("--budget needs seconds above 0");
   if (p.flag("--log")) {
     zv::log::setSinkReceiver([](const std::string& m) { std::fprintf(stderr, "%s\n", m.c_str()); });
   }
@@ -106,7 +109,15 @@ int run(const Args& args) {
     zv::ZVRichNotification::handleRichNotificationRequest(request, handler);
   }
   std::unique_lock lock(mutex);
-  delivered.wait(lock, [&] { return result.has_value(); });
+  bool expired = !delivered.wait_for(lock, std::chrono::duration<double>(budget),
+                                     [&] { return result.has_value(); });
+  if (expired) {
+    lock.unlock();
+    zv::ZVRichNotification::serviceExtensionTimeWillExpire();
+    lock.lock();
+    delivered.wait(lock, [&] { return result.has_value(); });
+    result->as_object()["expired"] = true;
+  }
   std::cout << pretty(*result) << std::endl;
   return kOk;
 }
@@ -115,7 +126,7 @@ int run(const Args& args) {
 
 ZVPUSH_COMMAND("service", "run the notification-service flow on a payload",
                "service PAYLOAD.json [--store DIR] [--app-group ID] [--delivered N] "
-               "[--content-only] [--tmp DIR] [--ca-file PEM] [--id ID] [--log]",
+               "[--content-only] [--tmp DIR] [--ca-file PEM] [--id ID] [--budget S] [--log]",
                run);
 
 }  // namespace zvpush
