@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Installs the packages, checks the formatting, builds everything (release) and runs the whole test
 # suite, then builds it again with the address and undefined-behaviour sanitizers (the asan preset)
-# and runs the suite once more under them.
+# and runs the suite once more under them; last, each fuzz target runs for 60 seconds.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/install-deps.sh
@@ -14,3 +14,4 @@ cmake --preset asan
 cmake --build --preset asan -j "$jobs" --target zv_tests zvpush zvpush-content
 ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
   ctest --preset asan -j "$jobs"
+bash fuzz/run.sh 60
