@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "platform/graphics/UIImage.h"
 #include "platform/text/FixedAdvanceTextMeasurer.h"
 #include "platform/ui/NSBundle.h"
 #include "platform/ui/RunLoop.h"
@@ -10,10 +11,6 @@
 #include "platform/ui/UIViewController.h"
 
 namespace zv {
-
-// The image view only holds images; an incomplete type would do, but a definition keeps
-// make_shared happy in this test.
-class UIImage {};
 
 namespace {
 
@@ -58,7 +55,8 @@ TEST(ContentViewsTest, ImageViewShowsTheFrameDueAtTheRunLoopsTime) {
   auto loop = std::make_shared<ManualRunLoop>();
   auto previous = RunLoop::setCurrent(loop);
   auto view = UIImageView::make();
-  view->setAnimationImages(std::vector<std::shared_ptr<UIImage>>(4, std::make_shared<UIImage>()));
+  view->setAnimationImages(std::vector<std::shared_ptr<UIImage>>(
+      4, UIImage::imageWithCGImage(CGImage::withPixels(PixelBuffer::make(1, 1)))));
   loop->advance(1);
   view->startAnimating();
   struct Case {
