@@ -1,6 +1,9 @@
 #include "platform/foundation/Url.h"
 
+#include <unistd.h>
+
 #include <algorithm>
+#include <atomic>
 #include <boost/url/parse.hpp>
 #include <system_error>
 
@@ -181,6 +184,23 @@ bool isValidUtf8(std::string_view s) {
     i += n + 1;
   }
   return true;
+}
+
+namespace {
+std::atomic<long> accessGranted{0}, accessRefused{0}, accessStopped{0};
+}  // namespace
+
+bool Url::startAccessingSecurityScopedResource() const {
+  bool readable = isFileUrl() && ::access(filePath().c_str(), R_OK) == 0 &&
+                  std::filesystem::is_regular_file(filePath());
+  ++(readable ? accessGranted : accessRefused);
+  return readable;
+}
+
+void Url::stopAccessingSecurityScopedResource() const { ++accessStopped; }
+
+Url::AccessCounts Url::securityScopedAccessCounts() {
+  return {accessGranted.load(), accessRefused.load(), accessStopped.load()};
 }
 
 }  // namespace zv

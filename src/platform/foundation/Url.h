@@ -45,6 +45,16 @@ class Url {
 
   bool operator==(const Url& o) const { return url_.buffer() == o.url_.buffer(); }
 
+  // Access to the file of a file URL, as a sandboxed extension asks for it: granted when the file
+  // can be read. Every start and stop is counted process-wide, so a test can see each granted
+  // start matched by a stop.
+  bool startAccessingSecurityScopedResource() const;
+  void stopAccessingSecurityScopedResource() const;
+  struct AccessCounts {
+    long granted = 0, refused = 0, stopped = 0;
+  };
+  static AccessCounts securityScopedAccessCounts();
+
  private:
   explicit Url(boost::urls::url u) : url_(std::move(u)) {}
   boost::urls::url url_;

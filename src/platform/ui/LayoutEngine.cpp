@@ -20,8 +20,10 @@ double weightFor(UILayoutPriority priority) {
   if (priority >= UILayoutPriorityRequired) return 0;
   return std::pow(10.0, priority / 125.0);
 }
-// The root's own size: weaker than priority 1.
-constexpr double kRootPreferenceWeight = 1e-3;
+// The root's own size: a preference stronger than every priority below required, so only
+// required constraints of its subtree (a stack of fixed heights) give it another size; the
+// sizes content asks for (hugging, compression resistance) do not.
+const double kRootPreferenceWeight = std::pow(10.0, 999.5 / 125.0);
 
 // Parts of the generated keys.
 enum Part { kFrameX, kFrameY, kFrameW, kFrameH, kHugW, kHugH, kResistW, kResistH, kUser };

@@ -21,7 +21,9 @@ class UICollectionViewCell : public UIView {
   explicit UICollectionViewCell(CGRect frame = {});
   std::string className() const override { return "UICollectionViewCell"; }
 
-  const std::shared_ptr<UIView>& contentView() const { return contentView_; }
+  // The view a cell's content goes in, the cell's first subview (added on first use: a view
+  // cannot add subviews while it is being made).
+  const std::shared_ptr<UIView>& contentView() const;
   const std::string& reuseIdentifier() const { return reuseIdentifier_; }
   // Called before the cell is handed out again by dequeueReusableCell.
   virtual void prepareForReuse() {}

@@ -36,6 +36,10 @@ class UIView : public std::enable_shared_from_this<UIView> {
   static Ref make(CGRect frame = {}) { return std::make_shared<UIView>(frame); }
   // The class name the tree dump prints.
   virtual std::string className() const { return "UIView"; }
+  // The name the view is known by in the tree dump: the binding it was laid out under, else its
+  // outlet's name ("" for none).
+  const std::string& name() const { return name_; }
+  void setName(std::string name) { name_ = std::move(name); }
 
   CGRect frame() const { return frame_; }
   void setFrame(CGRect frame);
@@ -131,6 +135,7 @@ class UIView : public std::enable_shared_from_this<UIView> {
   CGRect frame_;
   std::weak_ptr<UIView> superview_;
   std::vector<Ref> subviews_;
+  std::string name_;
   ColorRef backgroundColor_;
   bool hidden_ = false;
   CGFloat alpha_ = 1;

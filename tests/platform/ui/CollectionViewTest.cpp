@@ -55,17 +55,17 @@ struct CollectionViewTest : ::testing::Test {
   ~CollectionViewTest() override { RunLoop::setCurrent(previous); }
 };
 
-TEST_F(CollectionViewTest, ScrollsAnimatedOverAThirdOfASecondAndReusesCells) {
+TEST_F(CollectionViewTest, ScrollsAnimatedOverItsDurationAndReusesCells) {
   EXPECT_EQ(pages->events, (std::vector<std::string>{"show 0"}));
   EXPECT_EQ(view->contentSize(), (CGSize{1200, 200}));
 
   view->scrollToItem({1, 0}, UICollectionViewScrollPosition::kCenteredHorizontally, true);
   EXPECT_EQ(pages->events.back(), "show 1");  // shown as the scroll starts
-  loop->advance(0.15);
+  loop->advance(UICollectionView::kScrollAnimationDuration / 2);
   EXPECT_DOUBLE_EQ(view->contentOffset().x, 150);  // half way, eased
   view->layoutIfNeeded();                          // a drawing pass places the cells
   EXPECT_EQ(view->cellForItem(1)->frame().origin.x, 150);
-  loop->advance(0.15);
+  loop->advance(UICollectionView::kScrollAnimationDuration / 2);
   EXPECT_EQ(view->contentOffset().x, 300);
   EXPECT_EQ(view->visibleCells().size(), 1u);  // page 0 went back to the pool
 

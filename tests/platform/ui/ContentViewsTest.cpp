@@ -31,7 +31,7 @@ TEST(ContentViewsTest, LabelSizesItselfAndWrapsAtItsLaidOutWidth) {
       {"", 1, 0, {0, 0}},
   };
   for (const auto& c : cases) {
-    auto root = UIView::make(CGRect::make(0, 0, c.width > 0 ? c.width : 300, 0));
+    auto root = UIView::make(CGRect::make(0, 0, c.width > 0 ? c.width : 300, 300));
     auto label = UILabel::make(measurer);
     label->setFont(Font::systemFont(20));
     label->setText(c.text);
@@ -41,7 +41,7 @@ TEST(ContentViewsTest, LabelSizesItselfAndWrapsAtItsLaidOutWidth) {
     ViewBindings views{{"l", label}};
     root->addConstraints(NSLayoutConstraint::constraintsWithVisualFormat(
         c.width > 0 ? "H:|[l(w)]|" : "H:|[l]", 0, {{"w", c.width}}, views));
-    root->addConstraints(NSLayoutConstraint::constraintsWithVisualFormat("V:|[l]|", 0, {}, views));
+    root->addConstraints(NSLayoutConstraint::constraintsWithVisualFormat("V:|[l]", 0, {}, views));
     root->layoutIfNeeded();
     EXPECT_EQ(label->frame().size, c.size) << c.text << " " << c.lines;
   }

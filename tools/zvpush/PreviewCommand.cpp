@@ -1,0 +1,261 @@
+// zvpush preview: runs the content extension on a delivered notification (the output of zvpush
+// service, or a bare payload, which has no attachments) as the phone would show it expanded, lets
+// --at seconds of run-loop time pass, optionally taps a point, and draws the controller's view to a
+// PNG. Prints {"png", "size", "template", "tap"}; --tree writes the view tree as JSON.
+#include <stdlib.h>
+
+#include <boost/json.hpp>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <sstream>
+
+#include "ArgParser.h"
+#include "Command.h"
+#include "JsonIO.h"
+#ifdef ZVPUSH_CONTENT
+#include "PreviewTree.h"
+#include "platform/Platform.h"
+#include "platform/defaults/UserDefaults.h"
+#include "platform/foundation/Error.h"
+#include "platform/foundation/Exception.h"
+#include "platform/foundation/FileManager.h"
+#include "platform/foundation/SystemVersion.h"
+#include "platform/graphics/Renderer.h"
+#include "platform/notifications/UNMutableNotificationContent.h"
+#include "platform/notifications/UNNotification.h"
+#include "platform/notifications/UNNotificationAttachment.h"
+#include "platform/notifications/UNNotificationRequest.h"
+#include "platform/text/PangoTextMeasurer.h"
+#include "platform/ui/NSBundle.h"
+#include "platform/ui/NSExtensionContext.h"
+#include "platform/ui/RunLoop.h"
+#include "platform/ui/UIScreen.h"
+#include "platform/ui/UITapGestureRecognizer.h"
+#include "platform/ui/UIViewController.h"
+#include "resources/ZVInterfaceFiles.h"
+#include "store/ZVExtensionDataManager.h"
+#include "templates/ZVCarouselCollectionView.h"
+#include "templates/ZVPushMediaView.h"
+#include "templates/ZVPushTemplateHandler.h"
+#else
+#include "ContentProgram.h"
+#endif
+
+namespace zvpush {
+
+namespace {
+
+namespace json = boost::json;
+
+#ifdef ZVPUSH_CONTENT
+
+struct Options {
+  std::string input, output;
+  double width = 375, screenHeight = 812, scale = 2, platformVersion = 17.0, at = 0;
+  bool dark = false, contentHidden = false;
+  std::optional<zv::CGPoint> tap;
+  std::optional<std::string> tree, store, appGroup;
+};
+
+double positive(const ArgParser& p, const char* name, double fallback) {
+  auto v = p.number(name);
+  if (!v) return fallback;
+  if (!(*v > 0 && *v < 1e5)) throw UsageError(std::string(name) + " needs a number above 0");
+  return *v;
+}
+
+Options parse(const Args& args) {
+  ArgParser p({"-o", "--width", "--screen-height", "--scale", "--platform-version", "--at", "--tap",
+               "--tree", "--store", "--app-group"},
+              {"--dark", "--default-content-hidden"});
+  p.parse(args);
+  if (p.positional().size() != 1) throw UsageError("preview needs one INPUT.json");
+  Options o;
+  o.input = p.positional()[0];
+  if (!p.value("-o")) throw UsageError("preview needs -o OUT.png");
+  o.output = *p.value("-o");
+  o.width = positive(p, "--width", 375);
+  o.screenHeight = positive(p, "--screen-height", 812);
+  o.scale = positive(p, "--scale", 2);
+  if (o.scale > 8) throw UsageError("--scale is at most 8");
+  o.platformVersion = positive(p, "--platform-version", 17.0);
+  o.at = p.number("--at").value_or(0);
+  if (!(o.at >= 0 && o.at <= 86400)) throw UsageError("--at needs seconds from 0 to 86400");
+  o.dark = p.flag("--dark");
+  o.contentHidden = p.flag("--default-content-hidden");
+  if (auto tap = p.value("--tap")) {
+    double x = 0, y = 0;
+    char comma = 0;
+    std::istringstream in(*tap);
+    if (!(in >> x >> comma >> y) || comma != ',' || !in.eof() || !std::isfinite(x) ||
+        !std::isfinite(y)) {
+      throw UsageError("--tap needs X,Y");
+    }
+    o.tap = zv::CGPoint{x, y};
+  }
+  o.tree = p.value("--tree");
+  o.store = p.value("--store");
+  o.appGroup = p.value("--app-group");
+  if (o.store.has_value() != o.appGroup.has_value()) {
+    throw UsageError("--store and --app-group go together");
+  }
+  return o;
+}
+
+// The delivered notification: the service's output (its "userInfo" and "attachments"), or a bare
+// payload without attachments. Attachments whose files are gone are left out, as the phone would.
+std::shared_ptr<zv::UNNotification> notificationOf(const zv::Value& input) {
+  bool delivered = input.get("userInfo").isObject();
+  zv::Value payload = delivered ? input.get("userInfo") : input;
+  std::string id = delivered && input.get("identifier").isString()
+                       ? std::string(input.get("identifier").string())
+                       : "zvpush-preview";
+  auto request = zv::UNNotificationRequest::requestWithRemoteNotification(id, payload);
+  if (delivered && input.get("attachments").isArray()) {
+    auto content = request->content()->mutableCopy();
+    std::vector<std::shared_ptr<zv::UNNotificationAttachment>> attachments;
+    for (const auto& a : input.get("attachments").elements()) {
+      if (!a.isObject() || !a.get("identifier").isString() || !a.get("url").isString()) continue;
+      auto url = zv::Url::parse(a.get("url").string());
+      if (!url) continue;
+      zv::Error error;
+      auto attachment = zv::UNNotificationAttachment::attachmentWithIdentifier(
+          std::string(a.get("identifier").string()), *url, zv::Value(), &error);
+      if (attachment) attachments.push_back(attachment);
+    }
+    content->setAttachments(attachments);
+    request = zv::UNNotificationRequest::requestWithIdentifier(id, content);
+  }
+  return zv::UNNotification::notificationWithRequest(request, 0);
+}
+
+// A folder of this run, removed when the run ends.
+struct ScratchFolder {
+  std::filesystem::path path;
+  ScratchFolder() {
+    std::string pattern =
+        (std::filesystem::temp_directory_path() / "zvpush-preview-XXXXXX").string();
+    if (mkdtemp(pattern.data())) path = pattern;
+  }
+  ~ScratchFolder() {
+    std::error_code ec;
+    if (!path.empty()) std::filesystem::remove_all(path, ec);
+  }
+};
+
+std::optional<std::string> templateOf(const zv::UIView& root) {
+  for (const auto& container : root.subviews()) {
+    if (container->name() != "containerView") continue;
+    for (const auto& view : container->subviews()) {
+      if (view->name() != "templateView") continue;
+      if (dynamic_cast<const zv::ZVPushMediaView*>(view.get())) return "media";
+      if (dynamic_cast<const zv::ZVCarouselCollectionView*>(view.get())) return "carousel";
+      return "empty";
+    }
+  }
+  return std::nullopt;
+}
+
+int preview(const Options& o) {
+  zv::Value input = readJsonObject(o.input);
+
+  // The phone this preview stands for.
+  auto loop = std::make_shared<zv::ManualRunLoop>();
+  zv::RunLoop::setCurrent(loop);
+  zv::setSystemVersion(o.platformVersion);
+  zv::UIScreen::mainScreen().setBounds({{0, 0}, {o.width, o.screenHeight}});
+  zv::UIScreen::mainScreen().setScale(o.scale);
+  json::object attributes;
+  if (o.contentHidden) attributes["UNNotificationExtensionDefaultContentHidden"] = true;
+  zv::NSBundle::mainBundle().setInfoDictionary(zv::Value(
+      json::object{{"NSExtension", json::object{{"NSExtensionAttributes", attributes}}}}));
+  std::shared_ptr<zv::TextMeasurer> measurer;
+  try {
+    measurer = std::make_shared<zv::PangoTextMeasurer>();
+  } catch (const zv::Exception& e) {
+    std::cerr << "zvpush: " << e.reason() << "\n";
+    return kFailure;
+  }
+  zv::ZVInterfaceFiles::registerWithBundle(zv::NSBundle::mainBundle(), measurer);
+
+  // Card clicks land in the given store, else in a scratch one that goes away with the run.
+  std::optional<ScratchFolder> scratch;
+  auto& platform = zv::Platform::shared();
+  if (o.store) {
+    platform.setStoreDirectory(std::filesystem::absolute(*o.store));
+    zv::ZVExtensionDataManager::sharedManager().setAppGroupID(*o.appGroup);
+  } else {
+    scratch.emplace();
+    platform.setStoreDirectory(scratch->path);
+    zv::ZVExtensionDataManager::sharedManager().setAppGroupID("group.zvpush.preview");
+  }
+
+  auto controller = std::make_shared<zv::UIViewController>();
+  controller->setTraitCollection(zv::UITraitCollection::withStyle(
+      o.dark ? zv::UIUserInterfaceStyle::kDark : zv::UIUserInterfaceStyle::kLight));
+  controller->setView(zv::UIView::make({{0, 0}, {o.width, 0}}));
+  auto& handler = zv::ZVPushTemplateHandler::sharedInstance();
+  handler.addPushTemplateToController(controller, notificationOf(input));
+  const auto& root = controller->view();
+  root->layoutIfNeeded();
+
+  loop->advance(o.at);
+  root->layoutIfNeeded();  // cells a scroll brought into view take their places
+  json::value tap = nullptr;
+  if (o.tap) {
+    int actions = controller->extensionContext()->defaultActionCount();
+    auto store = zv::ZVExtensionDataManager::sharedManager().getZovUserDefaults();
+    if (store) store->removeObject("zov_push_template_click_info");
+    auto hit = zv::UITapGestureRecognizer::deliverTap(root, *o.tap);
+    zv::Value click = store ? store->objectForKey("zov_push_template_click_info") : zv::Value();
+    tap = json::object{
+        {"point", json::array{o.tap->x, o.tap->y}},
+        {"view", hit ? json::value(hit->className()) : json::value(nullptr)},
+        {"defaultAction", controller->extensionContext()->defaultActionCount() > actions},
+        {"cardClick", click.isNil() ? json::value(nullptr) : click.json()}};
+    root->layoutIfNeeded();
+  }
+
+  zv::Renderer renderer(o.scale);
+  if (!renderer.writePng(*root, o.output)) {
+    std::cerr << "zvpush: cannot write " << o.output << "\n";
+    return kFailure;
+  }
+  if (o.tree) {
+    std::ofstream out(*o.tree);
+    out << pretty(PreviewTree::describe(*root)) << "\n";
+    if (!out) {
+      std::cerr << "zvpush: cannot write " << *o.tree << "\n";
+      return kFailure;
+    }
+  }
+  auto kind = templateOf(*root);
+  zv::CGSize size = root->frame().size;
+  std::cout << pretty(json::object{{"png", o.output},
+                                   {"size", json::array{size.width, size.height}},
+                                   {"template", kind ? json::value(*kind) : json::value(nullptr)},
+                                   {"tap", tap}})
+            << "\n";
+  return kOk;
+}
+
+#endif
+
+int run(const Args& args) {
+#ifdef ZVPUSH_CONTENT
+  return preview(parse(args));
+#else
+  return runContentProgram("preview", args);
+#endif
+}
+
+}  // namespace
+
+ZVPUSH_COMMAND("preview", "render the expanded notification as the content extension shows it",
+               "preview INPUT.json -o OUT.png [--width 375] [--screen-height 812] [--scale 2] "
+               "[--dark] [--default-content-hidden] [--platform-version V] [--at SECONDS] "
+               "[--tap X,Y] [--tree FILE] [--store DIR --app-group ID]",
+               run);
+
+}  // namespace zvpush
