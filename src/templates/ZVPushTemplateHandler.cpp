@@ -54,8 +54,11 @@ void ZVPushTemplateHandler::addPushTemplateToController(
   controller = viewController;
   Value payload = ZVRichNotifUtils::getPayloadFromNotification(newNotification);
   if (payload.isNil()) return;
+  // The envelope is never nil for a dictionary; a notification that is not this system's push
+  // (no "zentrova" dictionary with a campaign id) counts as the nil the handler stops at, so it
+  // adds nothing to the controller's view.
   auto parsed = ZVPushPayload::initWithPushPayload(payload);
-  if (!parsed) return;
+  if (!parsed || !parsed->shouldProcessPushNotification()) return;
   notification = newNotification;
   pushPayload = parsed;
   if (systemVersion() >= 12.0 && controller && controller->traitCollection().isDark()) {

@@ -2,9 +2,13 @@
 
 #include "platform/Platform.h"
 #include "platform/foundation/Log.h"
+#include "platform/foundation/SystemVersion.h"
+#include "platform/ui/NSBundle.h"
+#include "platform/ui/UIScreen.h"
 #include "reporting/ZVExtensionNetworkManager.h"
 #include "service/ZVRichNotificationHandler.h"
 #include "store/ZVExtensionDataManager.h"
+#include "templates/ZVPushTemplateHandler.h"
 
 namespace zvtest {
 
@@ -15,6 +19,10 @@ ProcessStateReset::~ProcessStateReset() {
   zv::ZVExtensionDataManager::resetSharedManager();
   zv::ZVExtensionNetworkManager::resetSharedManager();
   zv::ZVRichNotificationHandler::resetSharedHandler();
+  zv::ZVPushTemplateHandler::resetSharedInstance();
+  zv::NSBundle::mainBundle().setInfoDictionary(zv::Value());
+  zv::UIScreen::mainScreen().setBounds(zv::CGRect::make(0, 0, 375, 812));
+  zv::setSystemVersion(17.0);
 }
 
 }  // namespace zvtest

@@ -103,9 +103,10 @@ CGPoint UICollectionView::clamped(CGPoint offset) const {
   return {std::clamp(offset.x, 0.0, maxX), 0};
 }
 
-void UICollectionView::updateVisibleCells(CGFloat minX, CGFloat maxX) {
+void UICollectionView::updateVisibleCells(CGFloat minX, CGFloat maxX, bool backwards) {
   // Cells wholly outside [minX, maxX) go back to the pool; items inside that have no cell get one
-  // and are displayed, in item order.
+  // and are displayed in the order a scroll meets them: item order, or the reverse for a scroll
+  // back towards the start.
   for (auto it = visible_.begin(); it != visible_.end();) {
     const CGRect& f = itemFrames_.at(static_cast<size_t>(it->first));
     if (f.maxX() <= minX || f.minX() >= maxX) {
@@ -118,7 +119,8 @@ void UICollectionView::updateVisibleCells(CGFloat minX, CGFloat maxX) {
   }
   auto source = dataSource_.lock();
   if (!source) return;
-  for (long i = 0; i < numberOfItems(); ++i) {
+  for (long k = 0; k < numberOfItems(); ++k) {
+    long i = backwards ? numberOfItems() - 1 - k : k;
     const CGRect& f = itemFrames_[static_cast<size_t>(i)];
     if (f.maxX() <= minX || f.minX() >= maxX || f.size.width <= 0 || visible_.count(i)) continue;
     auto cell = source->cellForItemAtIndexPath(*this, {i, 0});
@@ -163,7 +165,8 @@ void UICollectionView::setContentOffset(CGPoint offset, bool animated) {
   }
   animation_ = Animation{from, offset_, RunLoop::current()->now(), false};
   // Every cell the scroll passes over shows during it.
-  updateVisibleCells(std::min(from.x, offset_.x), std::max(from.x, offset_.x) + width);
+  updateVisibleCells(std::min(from.x, offset_.x), std::max(from.x, offset_.x) + width,
+                     offset_.x < from.x);
   std::weak_ptr<UIView> weak = weak_from_this();
   animationTimer_ =
       NSTimer::scheduledTimerWithTimeInterval(kScrollAnimationDuration, false, [weak](NSTimer&) {

@@ -1,11 +1,11 @@
 // zv::UICollectionView shows the items of one section in a horizontal row that scrolls, pages by
 // its width when paging is on, and makes only the cells in view (cells that leave the view go back
 // to a reuse pool). Its data source gives the number of items and each cell; its delegate gives
-// item sizes and hears will-display (in item order, as cells come into view), selection (a tap on
-// a cell) and the end of a swipe's deceleration. Animated scrolls take 0.08 s of run-loop time
-// (short enough that a page the carousel's timer turns to at 6.0 s is fully shown at 6.1 s): the
-// cells the scroll brings into view are displayed as it starts, the offset follows the run loop's
-// time, and a timer on the run loop ends it. Main thread only.
+// item sizes and hears will-display (in the order a scroll meets them, as cells come into view),
+// selection (a tap on a cell) and the end of a swipe's deceleration. Animated scrolls take 0.08 s
+// of run-loop time (short enough that a page the carousel's timer turns to at 6.0 s is fully shown
+// at 6.1 s): the cells the scroll brings into view are displayed as it starts, the offset follows
+// the run loop's time, and a timer on the run loop ends it. Main thread only.
 #pragma once
 
 #include <functional>
@@ -107,7 +107,7 @@ class UICollectionView : public UIView {
     bool decelerating = false;
   };
   void computeItemFrames();
-  void updateVisibleCells(CGFloat minX, CGFloat maxX);
+  void updateVisibleCells(CGFloat minX, CGFloat maxX, bool backwards = false);
   void placeCells();
   void finishAnimation();
   CGPoint clamped(CGPoint offset) const;
