@@ -207,7 +207,8 @@ int preview(const Options& o) {
     int actions = controller->extensionContext()->defaultActionCount();
     auto store = zv::ZVExtensionDataManager::sharedManager().getZovUserDefaults();
     if (store) store->removeObject("zov_push_template_click_info");
-    auto hit = zv::UITapGestureRecognizer::deliverTap(root, *o.tap);
+    auto hit = root->hitTest(*o.tap);  // the deepest view under the point
+    zv::UITapGestureRecognizer::deliverTap(root, *o.tap);
     zv::Value click = store ? store->objectForKey("zov_push_template_click_info") : zv::Value();
     tap = json::object{
         {"point", json::array{o.tap->x, o.tap->y}},

@@ -14,6 +14,7 @@
 #include "platform/ui/UIImageView.h"
 #include "platform/ui/UILabel.h"
 #include "platform/ui/UIPageControl.h"
+#include "support/GoldenImage.h"
 #include "support/TestSupport.h"
 
 namespace zv {
@@ -194,8 +195,7 @@ TEST(RendererTest, PageControlDots) {
   EXPECT_EQ(brightness(42), 0u) << "between the dots";
 }
 
-// Labels drawn in Inter, compared with goldens (ZV_UPDATE_GOLDENS=1 writes them anew; a mismatch
-// writes <name>.actual.png beside the golden).
+// Labels drawn in Inter, compared with their goldens.
 TEST(RendererTest, LabelsMatchTheirGoldens) {
   auto measurer = std::make_shared<PangoTextMeasurer>();
   auto styled = [](const char* text, TextAttributes a) { return StyledText(text, std::move(a)); };
@@ -226,7 +226,6 @@ TEST(RendererTest, LabelsMatchTheirGoldens) {
               bold),
        2},
   };
-  const fs::path goldens = fs::path(ZV_SOURCE_DIR) / "tests/data/goldens";
   for (const auto& c : cases) {
     auto r = UIView::make({{0, 0}, {220, 90}});
     r->setBackgroundColor(UIColor::whiteColor());
@@ -234,30 +233,7 @@ TEST(RendererTest, LabelsMatchTheirGoldens) {
     label->setNumberOfLines(c.lines);
     label->setAttributedText(c.text);
     r->addSubview(label);
-    auto pixels = Renderer(2).draw(*r);
-    fs::path golden = goldens / (std::string(c.name) + ".png");
-    if (std::getenv("ZV_UPDATE_GOLDENS")) PngWriter::write(*pixels, golden);
-    auto expected =
-        ImageDecoder::decode(std::make_shared<const std::string>(zvtest::readFile(golden)));
-    ASSERT_TRUE(expected) << golden;
-    int differing = 0;
-    for (size_t i = 0; i < pixels->data.size() && i < expected->data.size(); ++i) {
-      for (int shift = 0; shift < 32; shift += 8) {
-        int a = (pixels->data[i] >> shift) & 0xFF, b = (expected->data[i] >> shift) & 0xFF;
-        if (std::abs(a - b) > 8) {
-          ++differing;
-          break;
-        }
-      }
-    }
-    bool same =
-        pixels->width == expected->width && pixels->height == expected->height && differing <= 20;
-    if (!same) {
-      fs::path actual = goldens / (std::string(c.name) + ".actual.png");
-      PngWriter::write(*pixels, actual);
-      ADD_FAILURE() << c.name << ": " << differing << " pixels differ; the picture drawn is "
-                    << actual;
-    }
+    zvtest::expectMatchesGolden(*Renderer(2).draw(*r), c.name);
   }
 }
 
