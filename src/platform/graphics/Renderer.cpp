@@ -8,7 +8,7 @@
 
 #include "platform/foundation/UniqueHandle.h"
 #include "platform/graphics/CGImage.h"
-#include "platform/graphics/FontConfiguration.h"
+#include "platform/text/PangoFontConfiguration.h"
 #include "platform/graphics/PngWriter.h"
 #include "platform/graphics/UIImage.h"
 #include "platform/ui/CALayer.h"
@@ -125,7 +125,7 @@ CGRect placeImage(double width, double height, const CGRect& bounds, int content
 
 Renderer::Renderer(double scale)
     : scale_(scale > 0 && std::isfinite(scale) ? scale : 2),
-      fontMap_(FontConfiguration::newFontMap()) {}
+      fontMap_(PangoFontConfiguration::newFontMap()) {}
 
 Renderer::~Renderer() { g_object_unref(fontMap_); }
 
@@ -261,7 +261,7 @@ void Renderer::drawLabel(cairo_t* cr, const UILabel& label) const {
   const std::string plain = text.string();
   if (plain.empty()) return;
   UniqueHandle<PangoContext, g_object_unref> context(pango_font_map_create_context(fontMap_));
-  FontConfiguration::configure(context.get());
+  PangoFontConfiguration::configure(context.get());
   UniqueHandle<PangoLayout, g_object_unref> layout(pango_layout_new(context.get()));
   pango_layout_set_text(layout.get(), plain.c_str(), static_cast<int>(plain.size()));
   const CGRect bounds = label.bounds();

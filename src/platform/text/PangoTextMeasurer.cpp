@@ -7,6 +7,7 @@
 #include <algorithm>
 
 #include "platform/foundation/Exception.h"
+#include "platform/text/PangoFontConfiguration.h"
 
 namespace zv {
 
@@ -32,15 +33,9 @@ Description describe(const Font& font) {
 void releaseGObject(void* object) { g_object_unref(object); }
 
 PangoTextMeasurer::PangoTextMeasurer() {
-  fontMap_.reset(pango_cairo_font_map_new());
+  fontMap_.reset(PangoFontConfiguration::newFontMap());
   context_.reset(pango_font_map_create_context(fontMap_.get()));
-  UniqueHandle<cairo_font_options_t, cairo_font_options_destroy> options(
-      cairo_font_options_create());
-  cairo_font_options_set_hint_style(options.get(), CAIRO_HINT_STYLE_NONE);
-  cairo_font_options_set_hint_metrics(options.get(), CAIRO_HINT_METRICS_OFF);
-  cairo_font_options_set_antialias(options.get(), CAIRO_ANTIALIAS_GRAY);
-  pango_cairo_context_set_font_options(context_.get(), options.get());
-  pango_context_set_round_glyph_positions(context_.get(), FALSE);
+  PangoFontConfiguration::configure(context_.get());
   layout_.reset(pango_layout_new(context_.get()));
   pango_layout_set_wrap(layout_.get(), PANGO_WRAP_WORD_CHAR);
   std::lock_guard lock(mutex_);

@@ -3,8 +3,9 @@
 // same on every machine and do not depend on a screen. Whatever family a Font names, it is measured
 // in Inter (Debian's fonts-inter), which stands in for the system font; size, weight and italic
 // come from the Font. Sizes are pixels. Lines wrap at word boundaries and inside words longer than
-// the line; a width of 0 or less does not wrap. Glyphs that Inter lacks (emoji, scripts it does
-// not cover) come from whatever fontconfig falls back to.
+// the line; a width of 0 or less does not wrap. The font configuration is private and holds Inter
+// alone (PangoFontConfiguration): glyphs Inter lacks (emoji, scripts it does not cover) measure and
+// draw as Inter's missing-glyph box on every machine alike.
 //
 // Construction fails loudly, raising zv::Exception "TextMeasurerFontMissing", when fontconfig does
 // not resolve Inter to Inter itself (the package is missing or a configuration substitutes it);

@@ -1,4 +1,4 @@
-#include "platform/graphics/FontConfiguration.h"
+#include "platform/text/PangoFontConfiguration.h"
 
 #include <fontconfig/fontconfig.h>
 #include <pango/pangocairo.h>
@@ -9,8 +9,10 @@
 
 namespace zv {
 
-const std::filesystem::path& FontConfiguration::interFolder() {
+const std::filesystem::path& PangoFontConfiguration::interFolder() {
   static const std::filesystem::path folder = [] {
+    const std::filesystem::path debian = "/usr/share/fonts/opentype/inter";
+    if (std::filesystem::exists(debian / "Inter-Regular.otf")) return debian;
     UniqueHandle<FcPattern, FcPatternDestroy> pattern(
         FcNameParse(reinterpret_cast<const FcChar8*>("Inter")));
     FcConfigSubstitute(nullptr, pattern.get(), FcMatchPattern);
@@ -31,21 +33,24 @@ const std::filesystem::path& FontConfiguration::interFolder() {
   return folder;
 }
 
-PangoFontMap* FontConfiguration::newFontMap() {
-  // Inter's folder and the usual caches (the user's first, so a cache can always be written).
-  std::string xml = "<fontconfig><dir>" + interFolder().string() +
-                    "</dir><cachedir prefix=\"xdg\">fontconfig</cachedir>"
-                    "<cachedir>/var/cache/fontconfig</cachedir></fontconfig>";
-  FcConfig* config = FcConfigCreate();
-  FcConfigParseAndLoadFromMemory(config, reinterpret_cast<const FcChar8*>(xml.c_str()), FcTrue);
-  FcConfigBuildFonts(config);
-  PangoFontMap* map = pango_cairo_font_map_new_for_font_type(CAIRO_FONT_TYPE_FT);
-  pango_fc_font_map_set_config(PANGO_FC_FONT_MAP(map), config);  // takes its own reference
-  FcConfigDestroy(config);
-  return map;
+PangoFontMap* PangoFontConfiguration::newFontMap() {
+  static PangoFontMap* const shared = [] {
+    // Inter's folder and the usual caches (the user's first, so a cache can always be written).
+    std::string xml = "<fontconfig><dir>" + interFolder().string() +
+                      "</dir><cachedir prefix=\"xdg\">fontconfig</cachedir>"
+                      "<cachedir>/var/cache/fontconfig</cachedir></fontconfig>";
+    FcConfig* config = FcConfigCreate();
+    FcConfigParseAndLoadFromMemory(config, reinterpret_cast<const FcChar8*>(xml.c_str()), FcTrue);
+    FcConfigBuildFonts(config);
+    PangoFontMap* map = pango_cairo_font_map_new_for_font_type(CAIRO_FONT_TYPE_FT);
+    pango_fc_font_map_set_config(PANGO_FC_FONT_MAP(map), config);  // takes its own reference
+    FcConfigDestroy(config);
+    return map;
+  }();
+  return PANGO_FONT_MAP(g_object_ref(shared));
 }
 
-void FontConfiguration::configure(PangoContext* context) {
+void PangoFontConfiguration::configure(PangoContext* context) {
   UniqueHandle<cairo_font_options_t, cairo_font_options_destroy> options(
       cairo_font_options_create());
   cairo_font_options_set_hint_style(options.get(), CAIRO_HINT_STYLE_NONE);
