@@ -8,9 +8,9 @@
 
 #include "platform/foundation/UniqueHandle.h"
 #include "platform/graphics/CGImage.h"
-#include "platform/text/PangoFontConfiguration.h"
 #include "platform/graphics/PngWriter.h"
 #include "platform/graphics/UIImage.h"
+#include "platform/text/PangoFontConfiguration.h"
 #include "platform/ui/CALayer.h"
 #include "platform/ui/UICollectionView.h"
 #include "platform/ui/UIColor.h"
