@@ -30,11 +30,11 @@ enum Part { kFrameX, kFrameY, kFrameW, kFrameH, kHugW, kHugH, kResistW, kResistH
 
 }  // namespace
 
-bool LayoutEngine::Spec::sameAs(const Spec& other) const {
+bool LayoutEngine::Equation::sameAs(const Equation& other) const {
   return constant == other.constant && sameButConstant(other);
 }
 
-bool LayoutEngine::Spec::sameButConstant(const Spec& other) const {
+bool LayoutEngine::Equation::sameButConstant(const Equation& other) const {
   if (relation != other.relation || weight != other.weight || terms.size() != other.terms.size())
     return false;
   for (size_t i = 0; i < terms.size(); ++i)
@@ -52,7 +52,7 @@ const LayoutEngine::ViewVars& LayoutEngine::varsFor(const UIView* view) {
   return vars_.emplace(view, v).first->second;
 }
 
-bool LayoutEngine::specFor(const NSLayoutConstraint& c, Spec& spec) {
+bool LayoutEngine::equationFor(const NSLayoutConstraint& c, Equation& equation) {
   auto addAttribute = [&](const std::shared_ptr<UIView>& view, NSLayoutAttribute attribute,
                           double sign) {
     if (attribute == NSLayoutAttribute::kNotAnAttribute) return true;
@@ -61,35 +61,35 @@ bool LayoutEngine::specFor(const NSLayoutConstraint& c, Spec& spec) {
     switch (attribute) {
       case NSLayoutAttribute::kLeft:
       case NSLayoutAttribute::kLeading:
-        spec.terms.push_back({v.x, sign});
+        equation.terms.push_back({v.x, sign});
         break;
       case NSLayoutAttribute::kRight:
       case NSLayoutAttribute::kTrailing:
-        spec.terms.push_back({v.x, sign});
-        spec.terms.push_back({v.w, sign});
+        equation.terms.push_back({v.x, sign});
+        equation.terms.push_back({v.w, sign});
         break;
       case NSLayoutAttribute::kTop:
       case NSLayoutAttribute::kFirstBaseline:
-        spec.terms.push_back({v.y, sign});
+        equation.terms.push_back({v.y, sign});
         break;
       case NSLayoutAttribute::kBottom:
       case NSLayoutAttribute::kLastBaseline:
-        spec.terms.push_back({v.y, sign});
-        spec.terms.push_back({v.h, sign});
+        equation.terms.push_back({v.y, sign});
+        equation.terms.push_back({v.h, sign});
         break;
       case NSLayoutAttribute::kWidth:
-        spec.terms.push_back({v.w, sign});
+        equation.terms.push_back({v.w, sign});
         break;
       case NSLayoutAttribute::kHeight:
-        spec.terms.push_back({v.h, sign});
+        equation.terms.push_back({v.h, sign});
         break;
       case NSLayoutAttribute::kCenterX:
-        spec.terms.push_back({v.x, sign});
-        spec.terms.push_back({v.w, sign * 0.5});
+        equation.terms.push_back({v.x, sign});
+        equation.terms.push_back({v.w, sign * 0.5});
         break;
       case NSLayoutAttribute::kCenterY:
-        spec.terms.push_back({v.y, sign});
-        spec.terms.push_back({v.h, sign * 0.5});
+        equation.terms.push_back({v.y, sign});
+        equation.terms.push_back({v.h, sign * 0.5});
         break;
       case NSLayoutAttribute::kNotAnAttribute:
         break;
@@ -101,22 +101,23 @@ bool LayoutEngine::specFor(const NSLayoutConstraint& c, Spec& spec) {
   if (c.secondAttribute() != NSLayoutAttribute::kNotAnAttribute &&
       !addAttribute(c.secondItem(), c.secondAttribute(), -c.multiplier()))
     return false;
-  spec.constant = -c.constant();
-  spec.relation = c.relation() == NSLayoutRelation::kEqual             ? Relation::kEqual
-                  : c.relation() == NSLayoutRelation::kLessThanOrEqual ? Relation::kLessOrEqual
-                                                                       : Relation::kGreaterOrEqual;
-  spec.weight = weightFor(c.priority());
+  equation.constant = -c.constant();
+  equation.relation = c.relation() == NSLayoutRelation::kEqual ? Relation::kEqual
+                      : c.relation() == NSLayoutRelation::kLessThanOrEqual
+                          ? Relation::kLessOrEqual
+                          : Relation::kGreaterOrEqual;
+  equation.weight = weightFor(c.priority());
   return true;
 }
 
-void LayoutEngine::collect(UIView& view, std::vector<std::pair<Key, Spec>>& wanted,
+void LayoutEngine::collect(UIView& view, std::vector<std::pair<Key, Equation>>& wanted,
                            std::vector<std::shared_ptr<NSLayoutConstraint>>& owners) {
   const ViewVars& v = varsFor(&view);
   CGRect f = view.frame();
   auto fixed = [&](int part, SimplexSolver::Variable var, SimplexSolver::Variable parent,
                    double value, double weight) {
     if (!std::isfinite(value)) value = 0;  // a frame set to NaN or infinity counts as 0
-    Spec s;
+    Equation s;
     s.terms.push_back({var, 1.0});
     if (parent >= 0) s.terms.push_back({parent, -1.0});
     s.constant = -value;
@@ -142,14 +143,14 @@ void LayoutEngine::collect(UIView& view, std::vector<std::pair<Key, Spec>>& want
   auto sizeLimits = [&](SimplexSolver::Variable var, double value, int hugPart, int resistPart,
                         bool vertical) {
     if (!(value >= 0) || !std::isfinite(value)) return;  // none, or nonsense from a measurer
-    Spec hug;
+    Equation hug;
     hug.terms.push_back({var, 1.0});
     hug.constant = -value;
     hug.relation = Relation::kLessOrEqual;
     hug.weight = weightFor(view.contentHuggingPriority(vertical));
     wanted.push_back({Key{&view, hugPart}, std::move(hug)});
     owners.push_back(nullptr);
-    Spec resist;
+    Equation resist;
     resist.terms.push_back({var, 1.0});
     resist.constant = -value;
     resist.relation = Relation::kGreaterOrEqual;
@@ -161,8 +162,8 @@ void LayoutEngine::collect(UIView& view, std::vector<std::pair<Key, Spec>>& want
   sizeLimits(v.h, intrinsic.height, kHugH, kResistH, true);
   for (const auto& c : view.constraints()) {
     if (!c->isActive()) continue;
-    Spec s;
-    if (!specFor(*c, s)) continue;  // a view left the tree
+    Equation s;
+    if (!equationFor(*c, s)) continue;  // a view left the tree
     wanted.push_back({Key{c.get(), kUser}, std::move(s)});
     owners.push_back(c);
   }
@@ -173,11 +174,11 @@ void LayoutEngine::reportConflict(const Key& key, const Entry& entry) {
   if (!reported_.insert(key.object).second) return;
   std::string involved;
   std::unordered_set<SimplexSolver::Variable> vars;
-  for (const auto& t : entry.spec.terms) vars.insert(t.variable);
+  for (const auto& t : entry.equation.terms) vars.insert(t.variable);
   for (const auto& [k, e] : entries_) {
-    if (!e.constraint || !e.handle || e.spec.weight != 0) continue;
+    if (!e.constraint || !e.handle || e.equation.weight != 0) continue;
     bool shares = false;
-    for (const auto& t : e.spec.terms) shares = shares || vars.count(t.variable);
+    for (const auto& t : e.equation.terms) shares = shares || vars.count(t.variable);
     if (shares) involved += "\n    " + e.constraint->description();
   }
   std::string broken = entry.constraint ? entry.constraint->description() : "a view's own frame";
@@ -189,8 +190,8 @@ void LayoutEngine::reportConflict(const Key& key, const Entry& entry) {
 
 void LayoutEngine::addEntry(const Key& key, Entry& entry) {
   try {
-    entry.handle =
-        solver_.add(entry.spec.terms, entry.spec.constant, entry.spec.relation, entry.spec.weight);
+    entry.handle = solver_.add(entry.equation.terms, entry.equation.constant,
+                               entry.equation.relation, entry.equation.weight);
   } catch (const SimplexSolver::Unsatisfiable&) {
     entry.handle = 0;
     reportConflict(key, entry);
@@ -206,7 +207,7 @@ void LayoutEngine::layout() {
     treeViews_.insert(v);
     for (const auto& s : v->subviews()) stack.push_back(s.get());
   }
-  std::vector<std::pair<Key, Spec>> wanted;
+  std::vector<std::pair<Key, Equation>> wanted;
   std::vector<std::shared_ptr<NSLayoutConstraint>> owners;
   widthDependent_ = false;
   collect(root_, wanted, owners);
@@ -215,15 +216,15 @@ void LayoutEngine::layout() {
   std::vector<size_t> toAdd;
   for (size_t i = 0; i < wanted.size(); ++i) {
     auto it = entries_.find(wanted[i].first);
-    if (it != entries_.end() && !it->second.seen && it->second.spec.sameAs(wanted[i].second)) {
+    if (it != entries_.end() && !it->second.seen && it->second.equation.sameAs(wanted[i].second)) {
       it->second.seen = true;
     } else if (it != entries_.end() && !it->second.seen && it->second.handle &&
-               it->second.spec.sameButConstant(wanted[i].second)) {
+               it->second.equation.sameButConstant(wanted[i].second)) {
       // Only the constant moved: shift it in place, the incremental way.
-      it->second.spec.constant = wanted[i].second.constant;
+      it->second.equation.constant = wanted[i].second.constant;
       // A required constraint that can no longer hold is taken out and added again below,
       // where the conflict is reported.
-      if (solver_.changeConstant(it->second.handle, it->second.spec.constant))
+      if (solver_.changeConstant(it->second.handle, it->second.equation.constant))
         it->second.seen = true;
       else
         toAdd.push_back(i);
@@ -247,11 +248,11 @@ void LayoutEngine::layout() {
       if (!entry.handle) addEntry(key, entry);
   }
   for (size_t i : toAdd) {
-    auto& [key, spec] = wanted[i];
+    auto& [key, equation] = wanted[i];
     auto existing = entries_.find(key);
     if (existing != entries_.end() && existing->second.seen) continue;  // added twice
     Entry& entry = entries_[key];
-    entry.spec = std::move(spec);
+    entry.equation = std::move(equation);
     entry.constraint = owners[i];
     entry.seen = true;
     addEntry(key, entry);

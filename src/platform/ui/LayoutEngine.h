@@ -44,16 +44,16 @@ class LayoutEngine {
       return std::hash<const void*>()(k.object) * 31 + static_cast<size_t>(k.part);
     }
   };
-  struct Spec {
+  struct Equation {
     std::vector<SimplexSolver::Term> terms;
     double constant = 0;
     SimplexSolver::Relation relation = SimplexSolver::Relation::kEqual;
     double weight = 0;  // 0: required
-    bool sameAs(const Spec& other) const;
-    bool sameButConstant(const Spec& other) const;
+    bool sameAs(const Equation& other) const;
+    bool sameButConstant(const Equation& other) const;
   };
   struct Entry {
-    Spec spec;
+    Equation equation;
     SimplexSolver::Handle handle = 0;                // 0 while broken
     std::shared_ptr<NSLayoutConstraint> constraint;  // keeps a user constraint's identity alive
     bool seen = false;
@@ -63,9 +63,9 @@ class LayoutEngine {
   };
 
   const ViewVars& varsFor(const UIView* view);
-  void collect(UIView& view, std::vector<std::pair<Key, Spec>>& wanted,
+  void collect(UIView& view, std::vector<std::pair<Key, Equation>>& wanted,
                std::vector<std::shared_ptr<NSLayoutConstraint>>& owners);
-  bool specFor(const NSLayoutConstraint& c, Spec& spec);
+  bool equationFor(const NSLayoutConstraint& c, Equation& equation);
   void addEntry(const Key& key, Entry& entry);
   void reportConflict(const Key& key, const Entry& entry);
   void applyFrames(UIView& view, double parentX, double parentY);
