@@ -15,8 +15,11 @@ void MediaDownloads::finish(const std::shared_ptr<UNNotificationAttachment>& att
   }
   if (finished_ < total_) return;
   Attachments done = results_;
+  // Let go of the completion once it has run: it may hold what holds these downloads.
+  auto completion = std::move(completion_);
+  completion_ = nullptr;
   lock.unlock();
-  completion_(done);
+  if (completion) completion(done);
 }
 
 void MediaDownloads::started(const std::shared_ptr<UrlSessionTask>& task) {

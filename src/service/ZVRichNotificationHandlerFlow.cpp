@@ -56,6 +56,7 @@ struct ZVRichNotificationHandler::Delivery {
       std::lock_guard lock(mutex);
       if (done) return;
       done = true;
+      downloads.reset();  // their completion holds this delivery
     }
     handler(content);
   }
@@ -69,7 +70,7 @@ struct ZVRichNotificationHandler::Delivery {
       if (done) return;
       done = true;
       best = content->mutableCopy();
-      running = downloads;
+      running = std::move(downloads);
     }
     if (running) {
       auto attachments = running->finishedSoFar();
