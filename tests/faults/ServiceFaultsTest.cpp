@@ -4,8 +4,11 @@
 // lost while it has not been reported.
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <boost/json.hpp>
+#include <filesystem>
 #include <fstream>
+#include <future>
 
 #include "platform/foundation/Value.h"
 #include "support/LocalServer.h"
@@ -30,7 +33,8 @@ class ServiceFaultsTest : public ::testing::Test {
 
   // Runs the service on a stylised push whose image is at mediaPath of the media server, with a
   // short budget.
-  zv::Value service(const std::string& mediaPath) {
+  zv::Value service(const std::string& mediaPath, std::string tmp = "") {
+    if (tmp.empty()) tmp = dir.path().string();
     json::object image{{"id", 1}, {"type", "image"}, {"content", media.url(mediaPath)}};
     json::object payload{
         {"aps", json::object{{"alert", json::object{{"title", "t"}, {"body", "b"}}},
@@ -47,9 +51,10 @@ class ServiceFaultsTest : public ::testing::Test {
                    json::object{{"type", "stylizedBasic"},
                                 {"cards", json::array{json::object{
                                               {"id", 1}, {"widgets", json::array{image}}}}}}}}}}}};
-    std::ofstream(dir.path() / "p.json") << json::serialize(payload);
-    auto run = runZvpush("service " + (dir.path() / "p.json").string() + " " + store + " --tmp " +
-                         dir.path().string() + " --budget 1");
+    auto file = dir.path() / ("p" + std::to_string(payloads++) + ".json");
+    std::ofstream(file) << json::serialize(payload);
+    auto run =
+        runZvpush("service " + file.string() + " " + store + " --tmp " + tmp + " --budget 1");
     EXPECT_EQ(run.exit, 0) << mediaPath;
     return zv::Value::parse(run.out);
   }
@@ -61,6 +66,7 @@ class ServiceFaultsTest : public ::testing::Test {
                : 0;
   }
 
+  std::atomic<int> payloads{0};
   TempDir dir;
   LocalServer media;   // the media
   LocalServer server;  // the reports endpoint
@@ -108,6 +114,51 @@ TEST_F(ServiceFaultsTest, ReportEndpointsThatMisbehaveKeepTheEvents) {
     EXPECT_GT(now, events) << c.what << ": every event stays until it is reported";
     events = now;
   }
+}
+
+// Folders that cannot be written, and a store that is not one: the content is still delivered.
+TEST_F(ServiceFaultsTest, FoldersAndStoresThatMisbehave) {
+  std::ofstream(dir.path() / "a-file") << "x";
+  struct Case {
+    const char* what;
+    std::string tmp;
+    std::function<void()> damage;
+    size_t attachments;
+  } cases[] = {
+      {"the temporary folder is a file", (dir.path() / "a-file").string(), [] {}, 0},
+      {"the temporary folder is on a read-only file system", "/proc/zvpush", [] {}, 0},
+      {"the store's file is random bytes", "",
+       [&] {
+         for (const auto& f : std::filesystem::directory_iterator(dir.path() / "store")) {
+           std::ofstream(f.path(), std::ios::binary | std::ios::trunc) << std::string(4096, '\x5a');
+         }
+       },
+       1},
+  };
+  for (const auto& c : cases) {
+    c.damage();
+    zv::Value out = service("/a.png", c.tmp);
+    EXPECT_EQ(out.get("title").string(), "Rich") << c.what;
+    EXPECT_EQ(out.get("attachments").array().size(), c.attachments) << c.what;
+  }
+}
+
+// Eight extensions at once on one store, with reports refused: every event of every run stays.
+TEST_F(ServiceFaultsTest, EightProcessesShareOneStore) {
+  server.setPostStatus(500);
+  service("/a.png");  // the events one run records
+  size_t perRun = storedEvents();
+  ASSERT_GT(perRun, 0u);
+  std::vector<std::future<zv::Value>> runs;
+  for (int i = 0; i < 8; ++i) {
+    runs.push_back(std::async(std::launch::async, [this, i] {
+      auto tmp = dir.path() / ("tmp" + std::to_string(i));
+      std::filesystem::create_directories(tmp);
+      return service("/a.png", tmp.string());
+    }));
+  }
+  for (auto& r : runs) EXPECT_EQ(r.get().get("title").string(), "Rich");
+  EXPECT_EQ(storedEvents(), 9 * perRun);
 }
 
 }  // namespace
