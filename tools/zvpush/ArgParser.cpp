@@ -8,22 +8,37 @@ ArgParser::ArgParser(std::set<std::string> valueOptions, std::set<std::string> f
     : valueOptions_(std::move(valueOptions)), flags_(std::move(flags)) {}
 
 void ArgParser::parse(const std::vector<std::string>& args) {
+  bool optionsEnded = false;
   for (size_t i = 0; i < args.size(); ++i) {
     const std::string& a = args[i];
-    if (a.size() > 2 && a.rfind("--", 0) == 0) {
-      if (flags_.count(a)) {
-        flagsSet_.insert(a);
-      } else if (valueOptions_.count(a)) {
-        if (i + 1 >= args.size()) throw UsageError("option " + a + " needs a value");
-        values_[a] = args[++i];
-      } else {
-        throw UsageError("unknown option " + a);
-      }
-    } else if (a == "-o" && valueOptions_.count("-o")) {
-      if (i + 1 >= args.size()) throw UsageError("option -o needs a value");
-      values_[a] = args[++i];
-    } else {
+    if (optionsEnded || a == "-" || a.size() < 2 || a[0] != '-') {
       positional_.push_back(a);
+      continue;
+    }
+    if (a == "--") {  // everything after is an operand, even when it starts with "-"
+      optionsEnded = true;
+      continue;
+    }
+    // "--name=value" gives a value option its value in the same word.
+    std::string name = a;
+    std::optional<std::string> inlineValue;
+    if (auto eq = a.find('='); a.rfind("--", 0) == 0 && eq != std::string::npos) {
+      name = a.substr(0, eq);
+      inlineValue = a.substr(eq + 1);
+    }
+    if (flags_.count(name)) {
+      if (inlineValue) throw UsageError("option " + name + " takes no value");
+      flagsSet_.insert(name);
+    } else if (valueOptions_.count(name)) {
+      if (inlineValue) {
+        values_[name] = *inlineValue;
+      } else if (i + 1 < args.size()) {
+        values_[name] = args[++i];
+      } else {
+        throw UsageError("option " + name + " needs a value");
+      }
+    } else {
+      throw UsageError("unknown option " + name);
     }
   }
 }

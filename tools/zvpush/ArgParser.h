@@ -1,5 +1,7 @@
-// A small option parser for zvpush commands: "--name value", "--flag", and positional arguments.
-// Unknown options and missing values are usage errors with a one-line message.
+// A small option parser for zvpush commands: "--name value" or "--name=value", "--flag", short
+// options the command declares ("-o FILE"), and operands; "--" ends the options and "-" alone is an
+// operand (stdin). Unknown options, long or short, and missing values are usage errors with a
+// one-line message.
 #pragma once
 
 #include <map>
@@ -14,6 +16,13 @@ namespace zvpush {
 class UsageError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
+};
+
+// An input that cannot be used (a file that cannot be read, text that is not JSON): exit 2 with
+// the reason alone, without the command's usage.
+class InputError : public UsageError {
+ public:
+  using UsageError::UsageError;
 };
 
 class ArgParser {

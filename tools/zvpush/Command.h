@@ -1,6 +1,6 @@
 // A zvpush subcommand. Each command file registers itself, so that adding a command touches no
 // other file:
-//   ZVPUSH_COMMAND("name", "summary", "usage", runFunction);
+//   ZVPUSH_COMMAND("name", "summary", "usage", runFunction, "options explained");
 // A command returns the process exit code: 0 success, 2 usage error or unreadable input (after
 // printing one line on stderr).
 #pragma once
@@ -19,6 +19,7 @@ struct Command {
   std::string summary;  // one line for --help
   std::string usage;    // the synopsis after "zvpush "
   std::function<int(const Args& args)> run;
+  std::string help;  // every option: what it does and its default (zvpush help CMD)
 };
 
 std::map<std::string, Command>& commands();

@@ -8,6 +8,8 @@
 #include <filesystem>
 #include <vector>
 
+#include "JsonIO.h"
+
 namespace zvpush {
 
 int runContentProgram(const std::string& command, const Args& args) {
@@ -15,6 +17,7 @@ int runContentProgram(const std::string& command, const Args& args) {
   std::filesystem::path self = std::filesystem::read_symlink("/proc/self/exe", ec);
   std::filesystem::path program = self.parent_path() / "zvpush-content";
   std::vector<std::string> words{program.string(), command};
+  if (isCompact()) words.push_back("--compact");
   words.insert(words.end(), args.begin(), args.end());
   std::vector<char*> argv;
   for (auto& w : words) argv.push_back(w.data());

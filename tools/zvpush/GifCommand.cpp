@@ -103,6 +103,10 @@ int run(const Args& args) {
 }  // namespace
 
 ZVPUSH_COMMAND("gif", "how an animated GIF plays: frame delays, slot, sequence, duration",
-               "gif FILE [--frames DIR]", run);
+               "gif FILE [--frames DIR]", run,
+               "  FILE          the GIF (\"-\" reads stdin)\n"
+               "  --frames DIR  also write each composited source frame as DIR/frame_<i>.png\n"
+               "Prints {frameCount, delays (hundredths per frame), slot, sequence, duration}; a\n"
+               "file that is not a playable GIF prints {error} and exits 1.\n");
 
 }  // namespace zvpush

@@ -132,6 +132,11 @@ int run(const Args& args) {
 }  // namespace
 
 ZVPUSH_COMMAND("html", "what an HTML text becomes: plain text, styled runs or measured height",
-               "html [FILE|-] [--plain | --styled] [--dark] [--measure WIDTH]", run);
+               "html [FILE|-] [--plain | --styled] [--dark] [--measure WIDTH]", run,
+               "  FILE             the HTML text (default \"-\": stdin)\n"
+               "  --plain          the plain text the notification shows (the default)\n"
+               "  --styled         the styled runs the content side shows, as JSON\n"
+               "  --dark           style for dark mode (white text)\n"
+               "  --measure WIDTH  the height the body view measures at WIDTH points\n");
 
 }  // namespace zvpush

@@ -150,7 +150,11 @@ int runInspect(const Args& args) {
 
 }  // namespace
 
-ZVPUSH_COMMAND("inspect", "how Zentrova reads a payload: envelope, rich push, media and log",
-               "inspect PAYLOAD.json", runInspect);
+ZVPUSH_COMMAND(
+    "inspect", "how Zentrova reads a payload: envelope, rich push, media and log",
+    "inspect PAYLOAD.json", runInspect,
+    "  PAYLOAD.json  the remote-notification payload (\"-\" reads stdin)\n"
+    "Runs the service's own plan without network or store and prints whether the\n"
+    "notification is processed, its rich push, the media it would download and the log.\n");
 
 }  // namespace zvpush

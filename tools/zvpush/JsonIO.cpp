@@ -3,7 +3,9 @@
 #include <fmt/format.h>
 
 #include <boost/json/serialize.hpp>
+#include <cerrno>
 #include <cmath>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -20,12 +22,13 @@ std::string readInput(const std::string& path) {
     return std::string(std::istreambuf_iterator<char>(std::cin), std::istreambuf_iterator<char>());
   }
   std::error_code ec;
-  if (std::filesystem::is_directory(path, ec)) throw UsageError(path + " is a directory");
+  if (std::filesystem::is_directory(path, ec)) throw InputError(path + " is a directory");
+  errno = 0;
   std::ifstream in(path, std::ios::binary);
-  if (!in) throw UsageError("cannot read " + path);
+  if (!in) throw InputError("cannot read " + path + ": " + std::strerror(errno ? errno : ENOENT));
   std::ostringstream s;
   s << in.rdbuf();
-  if (in.bad()) throw UsageError("cannot read " + path);
+  if (in.bad()) throw InputError("cannot read " + path + ": " + std::strerror(errno ? errno : EIO));
   return s.str();
 }
 
@@ -35,9 +38,9 @@ zv::Value readJsonObject(const std::string& path) {
   try {
     v = zv::Value::parse(text);
   } catch (const zv::Exception& e) {
-    throw UsageError(path + " is not JSON: " + e.reason());
+    throw InputError(path + " is not JSON: " + e.reason());
   }
-  if (!v.isObject()) throw UsageError(path + " is not a JSON object");
+  if (!v.isObject()) throw InputError(path + " is not a JSON object");
   return v;
 }
 
@@ -95,6 +98,32 @@ void writeScalar(std::ostream& out, const boost::json::value& v) {
   }
 }
 
+// One line, no spaces.
+void writeCompact(std::ostream& out, const boost::json::value& v) {
+  if (v.is_object()) {
+    out << "{";
+    bool first = true;
+    for (const auto& kv : v.get_object()) {
+      if (!first) out << ",";
+      first = false;
+      out << quoted(kv.key()) << ":";
+      writeCompact(out, kv.value());
+    }
+    out << "}";
+  } else if (v.is_array()) {
+    out << "[";
+    bool first = true;
+    for (const auto& e : v.get_array()) {
+      if (!first) out << ",";
+      first = false;
+      writeCompact(out, e);
+    }
+    out << "]";
+  } else {
+    writeScalar(out, v);
+  }
+}
+
 void write(std::ostream& out, const boost::json::value& v, int indent) {
   std::string pad(indent + 2, ' ');
   if (v.is_object()) {
@@ -145,9 +174,20 @@ void write(std::ostream& out, const boost::json::value& v, int indent) {
 
 }  // namespace
 
+namespace {
+bool compactOutput = false;
+}  // namespace
+
+void setCompact(bool compact) { compactOutput = compact; }
+bool isCompact() { return compactOutput; }
+
 std::string pretty(const boost::json::value& v) {
   std::ostringstream out;
-  write(out, v, 0);
+  if (compactOutput) {
+    writeCompact(out, v);
+  } else {
+    write(out, v, 0);
+  }
   return out.str();
 }
 

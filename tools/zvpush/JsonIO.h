@@ -13,7 +13,10 @@ namespace zvpush {
 std::string readInput(const std::string& path);
 // A file that must hold one JSON object. Throws UsageError with a one-line reason otherwise.
 zv::Value readJsonObject(const std::string& path);
-// Indented JSON text (two spaces), ending without a newline.
+// Indented JSON text (two spaces), or one line after setCompact(true) (--compact), ending without
+// a newline.
 std::string pretty(const boost::json::value& v);
+void setCompact(bool compact);
+bool isCompact();
 
 }  // namespace zvpush

@@ -261,6 +261,19 @@ ZVPUSH_COMMAND("preview", "render the expanded notification as the content exten
                "preview INPUT.json -o OUT.png [--width 375] [--screen-height 812] [--scale 2] "
                "[--dark] [--default-content-hidden] [--platform-version V] [--at SECONDS] "
                "[--tap X,Y] [--tree FILE] [--store DIR --app-group ID]",
-               run);
+               run,
+               "  INPUT.json               the output of zvpush service, or a bare payload\n"
+               "  -o OUT.png               where the picture goes (required)\n"
+               "  --width W                the controller's width in points (375)\n"
+               "  --screen-height H        the screen's height in points (812)\n"
+               "  --scale S                pixels per point (2)\n"
+               "  --dark                   dark style\n"
+               "  --default-content-hidden the host hides the system's text: the body view shows\n"
+               "  --platform-version V     the phone's system version (17.0)\n"
+               "  --at SECONDS             run-loop time that passes before drawing (0)\n"
+               "  --tap X,Y                tap that point after --at\n"
+               "  --tree FILE              also write the view tree as JSON\n"
+               "  --store DIR --app-group ID  the store a card click lands in (default: a scratch\n"
+               "                           store removed afterwards)\n");
 
 }  // namespace zvpush

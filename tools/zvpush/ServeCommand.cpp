@@ -236,6 +236,11 @@ int run(const Args& args) { return runContentProgram("serve", args); }
 ZVPUSH_COMMAND("serve", "a local media server and reports endpoint for trying payloads",
                "serve --root DIR [--port N] [--tls-cert PEM --tls-key PEM] [--latency MS] "
                "[--reports FILE]",
-               run);
+               run,
+               "  --root DIR       the files served by GET (required)\n"
+               "  --port N         the port on 127.0.0.1 (0: any free port)\n"
+               "  --tls-cert PEM --tls-key PEM  serve HTTPS with this certificate and key\n"
+               "  --latency MS     delay every answer (0)\n"
+               "  --reports FILE   append each report POST as a JSON line (default: stdout)\n");
 
 }  // namespace zvpush

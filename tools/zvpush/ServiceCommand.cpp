@@ -1,9 +1,13 @@
 // zvpush service: runs the notification-service flow on one remote-notification payload and prints
 // the content handed to the content handler, as one JSON object.
+#include <unistd.h>
+
 #include <boost/json.hpp>
+#include <cerrno>
 #include <chrono>
 #include <condition_variable>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <iostream>
 #include <mutex>
@@ -76,7 +80,12 @@ int run(const Args& args) {
   platform.setBundleIdentifier(kBundleIdentifier);
   if (auto dir = p.value("--store")) platform.setStoreDirectory(std::filesystem::absolute(*dir));
   if (auto dir = p.value("--tmp")) platform.setTemporaryDirectory(std::filesystem::absolute(*dir));
-  if (auto ca = p.value("--ca-file")) platform.setExtraCaFile(*ca);
+  if (auto ca = p.value("--ca-file")) {
+    if (::access(ca->c_str(), R_OK) != 0) {
+      throw InputError("cannot read --ca-file " + *ca + ": " + std::strerror(errno));
+    }
+    platform.setExtraCaFile(*ca);
+  }
   if (auto n = p.number("--delivered")) {
     if (*n < 0 || *n != static_cast<long>(*n)) throw UsageError("--delivered needs a count");
     platform.notificationCenter()->setShownCount(static_cast<size_t>(*n));
@@ -127,6 +136,16 @@ int run(const Args& args) {
 ZVPUSH_COMMAND("service", "run the notification-service flow on a payload",
                "service PAYLOAD.json [--store DIR] [--app-group ID] [--delivered N] "
                "[--content-only] [--tmp DIR] [--ca-file PEM] [--id ID] [--budget S] [--log]",
-               run);
+               run,
+               "  PAYLOAD.json     the remote-notification payload (\"-\" reads stdin)\n"
+               "  --store DIR      the folder of the stores ($XDG_DATA_HOME/zentrova)\n"
+               "  --app-group ID   the app group the host configured (setAppGroupID)\n"
+               "  --delivered N    how many notifications the center reports as shown (0)\n"
+               "  --content-only   the content-only flow: no store, no report\n"
+               "  --tmp DIR        the temporary folder; attachments go to DIR/Attachments\n"
+               "  --ca-file PEM    one more trusted certificate authority\n"
+               "  --id ID          the request's identifier (random)\n"
+               "  --budget S       seconds before the best attempt is delivered (30)\n"
+               "  --log            print every log-sink message on stderr\n");
 
 }  // namespace zvpush

@@ -71,6 +71,12 @@ int runStore(const Args& args) {
 }  // namespace
 
 ZVPUSH_COMMAND("store", "read and write an app group's store as the host application does",
-               kStoreUsage, runStore);
+               kStoreUsage, runStore,
+               "  --store DIR      the folder of the stores ($XDG_DATA_HOME/zentrova)\n"
+               "  --app-group ID   the app group (required)\n"
+               "  dump             the whole suite as one JSON object\n"
+               "  get KEY          one value as JSON, or null\n"
+               "  set KEY JSON     store a value\n"
+               "  remove KEY       remove a value\n");
 
 }  // namespace zvpush

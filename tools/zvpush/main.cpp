@@ -1,9 +1,12 @@
 // zvpush: runs the Zentrova notification extensions on this machine. See --help.
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <iostream>
 
 #include "ArgParser.h"
 #include "Command.h"
+#include "JsonIO.h"
 
 namespace zvpush {
 
@@ -24,17 +27,37 @@ int usageError(const std::string& message) {
 
 namespace {
 
-void printHelp() {
-  std::cout << "zvpush " ZV_VERSION
-               ": run the Zentrova rich-notification extensions on this machine.\n\n"
-               "Usage:\n";
-  for (const auto& [name, c] : commands()) std::cout << "  zvpush " << c.usage << "\n";
-  std::cout << "\nCommands:\n";
+void printHelp(std::ostream& out) {
+  out << "zvpush " ZV_VERSION
+         ": run the Zentrova rich-notification extensions on this machine.\n\n"
+         "Usage:\n";
+  for (const auto& [name, c] : commands()) out << "  zvpush " << c.usage << "\n";
+  out << "\nCommands:\n";
   for (const auto& [name, c] : commands()) {
-    std::cout << "  " << name << std::string(name.size() < 10 ? 10 - name.size() : 1, ' ')
-              << c.summary << "\n";
+    out << "  " << name << std::string(name.size() < 10 ? 10 - name.size() : 1, ' ') << c.summary
+        << "\n";
   }
-  std::cout << "\nOptions:\n  --help     this text\n  --version  the version\n";
+  out << "\nOptions of every command:\n"
+         "  --compact  print JSON on one line\n"
+         "  --help     what a command does and every option it takes (also: zvpush help CMD)\n"
+         "  --version  the version\n";
+}
+
+void printCommandHelp(const Command& c) {
+  std::cout << "zvpush " << c.usage << "\n\n" << c.summary << ".\n";
+  if (!c.help.empty()) std::cout << "\n" << c.help;
+  std::cout << "\n  --compact  print JSON on one line\n";
+}
+
+// Standard output that could not be written (a full disk, a closed pipe) is an error.
+int finish(int code) {
+  std::cout.flush();
+  if (!std::cout || std::fflush(stdout) != 0 || std::ferror(stdout)) {
+    std::fprintf(stderr, "zvpush: cannot write the output: %s\n",
+                 std::strerror(errno ? errno : EIO));
+    return kFailure;
+  }
+  return code;
 }
 
 }  // namespace
@@ -45,23 +68,45 @@ int main(int argc, char** argv) {
   using namespace zvpush;
   Args args(argv + 1, argv + argc);
   if (args.empty()) {
-    printHelp();
+    printHelp(std::cerr);
     return kUsage;
   }
-  if (args[0] == "--help" || args[0] == "-h" || args[0] == "help") {
-    printHelp();
-    return kOk;
+  if (args[0] == "--help" || args[0] == "-h" || (args[0] == "help" && args.size() == 1)) {
+    printHelp(std::cout);
+    return finish(kOk);
   }
   if (args[0] == "--version") {
     std::cout << "zvpush " ZV_VERSION "\n";
-    return kOk;
+    return finish(kOk);
+  }
+  if (args[0] == "help") {
+    auto it = commands().find(args[1]);
+    if (it == commands().end()) return usageError("unknown command '" + args[1] + "' (see --help)");
+    printCommandHelp(it->second);
+    return finish(kOk);
   }
   auto it = commands().find(args[0]);
   if (it == commands().end()) return usageError("unknown command '" + args[0] + "' (see --help)");
-  Args rest(args.begin() + 1, args.end());
+  // The options every command takes, up to a "--".
+  Args rest;
+  bool operands = false;
+  for (auto a = args.begin() + 1; a != args.end(); ++a) {
+    operands = operands || *a == "--";
+    if (!operands && (*a == "--help" || *a == "-h")) {
+      printCommandHelp(it->second);
+      return finish(kOk);
+    }
+    if (!operands && *a == "--compact") {
+      setCompact(true);
+      continue;
+    }
+    rest.push_back(*a);
+  }
   try {
-    return it->second.run(rest);
+    return finish(it->second.run(rest));
+  } catch (const InputError& e) {
+    return usageError(e.what());
   } catch (const UsageError& e) {
-    return usageError(e.what() + std::string(" (usage: zvpush ") + it->second.usage + ")");
+    return usageError(e.what() + std::string(" (see zvpush ") + it->first + " --help)");
   }
 }
