@@ -13,6 +13,7 @@
 #include "ArgParser.h"
 #include "Command.h"
 #include "JsonIO.h"
+#include "PayloadWarnings.h"
 #include "model/ZVMedia.h"
 #include "model/ZVPushAction.h"
 #include "model/ZVPushCard.h"
@@ -113,10 +114,11 @@ json::array mediaJson(const std::vector<std::shared_ptr<zv::ZVMedia>>& media) {
 // envelope, the rich push, the texts the notification would show, the media it would download and
 // every message logged on the way, the guard's included. Nothing is stored or fetched.
 int runInspect(const Args& args) {
-  ArgParser parser({}, {});
+  ArgParser parser({}, {"--strict"});
   parser.parse(args);
   if (parser.positional().size() != 1) throw UsageError("expected one PAYLOAD.json");
-  zv::Value payload = readJsonObject(parser.positional()[0]);
+  const std::string path = parser.positional()[0];
+  zv::Value payload = readJsonObject(path);
 
   std::mutex mutex;
   json::array log;
@@ -144,16 +146,20 @@ int runInspect(const Args& args) {
   out["media"] = plan.failure ? json::array() : mediaJson(plan.media);
   zv::log::setSinkReceiver({});
   out["log"] = std::move(log);
+  json::array warnings = PayloadWarnings::check(payload, payload.description().size());
+  bool warned = !warnings.empty();
+  out["warnings"] = std::move(warnings);
   std::cout << pretty(out) << "\n";
-  return kOk;
+  return parser.flag("--strict") && warned ? kFailure : kOk;
 }
 
 }  // namespace
 
 ZVPUSH_COMMAND(
     "inspect", "how Zentrova reads a payload: envelope, rich push, media and log",
-    "inspect PAYLOAD.json", runInspect,
+    "inspect PAYLOAD.json [--strict]", runInspect,
     "  PAYLOAD.json  the remote-notification payload (\"-\" reads stdin)\n"
+    "  --strict      exit 1 when there is a warning (for a sender's CI)\n"
     "Runs the service's own plan without network or store and prints whether the\n"
     "notification is processed, its rich push, the media it would download and the log.\n");
 
