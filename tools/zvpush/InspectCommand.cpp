@@ -1,8 +1,9 @@
 // zvpush inspect PAYLOAD.json: how Zentrova reads a payload. Runs the service extension's own plan
 // (the same function as zvpush service, without the store and the network) and prints whether the
 // notification is processed, the envelope's fields, the rich push model, the texts it would show,
-// the media that would be downloaded and every message the library logged on the way, so a sender
-// can see why a notification did or did not show its rich content.
+// the media that would be downloaded, the reasons in sentences (why the rich push was dropped or a
+// media item left out), every message the library logged on the way, untouched, and the warnings,
+// so a sender can see why a notification did or did not show its rich content.
 #include <boost/json/array.hpp>
 #include <boost/json/object.hpp>
 #include <iostream>
@@ -13,6 +14,7 @@
 #include "ArgParser.h"
 #include "Command.h"
 #include "JsonIO.h"
+#include "PayloadReasons.h"
 #include "PayloadWarnings.h"
 #include "model/ZVMedia.h"
 #include "model/ZVPushAction.h"
@@ -144,6 +146,7 @@ int runInspect(const Args& args) {
                                 {"subtitle", plan.content->subtitle()},
                                 {"body", plan.content->body()}};
   out["media"] = plan.failure ? json::array() : mediaJson(plan.media);
+  out["reasons"] = PayloadReasons::explain(payload, plan);
   zv::log::setSinkReceiver({});
   out["log"] = std::move(log);
   json::array warnings = PayloadWarnings::check(payload, payload.description().size());
@@ -161,6 +164,8 @@ ZVPUSH_COMMAND(
     "  PAYLOAD.json  the remote-notification payload (\"-\" reads stdin)\n"
     "  --strict      exit 1 when there is a warning (for a sender's CI)\n"
     "Runs the service's own plan without network or store and prints whether the\n"
-    "notification is processed, its rich push, the media it would download and the log.\n");
+    "notification is processed, its rich push, the media it would download, the reasons\n"
+    "(why the rich push was dropped or a media item left out), the library's log and the\n"
+    "warnings (what a sender most likely did not mean).\n");
 
 }  // namespace zvpush

@@ -38,7 +38,7 @@ zv::Value readJsonObject(const std::string& path) {
   try {
     v = zv::Value::parse(text);
   } catch (const zv::Exception& e) {
-    throw InputError(path + " is not JSON: " + e.reason());
+    throw InputError(path + ": " + e.reason());
   }
   if (!v.isObject()) throw InputError(path + " is not a JSON object");
   return v;

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <boost/json/basic_parser_impl.hpp>
 #include <boost/json/value_stack.hpp>
 #include <charconv>
@@ -102,7 +103,14 @@ json::value ExactJson::parse(std::string_view text) {
   std::size_t used = parser.write_some(false, text.data(), text.size(), ec);
   if (!ec && used < text.size()) ec = json::error::extra_data;
   if (!ec && !parser.done()) ec = json::error::incomplete;
-  if (ec) throw Exception("JSONParseException", fmt::format("invalid JSON: {}", ec.message()));
+  if (ec) {
+    // Where the reader stopped, as an editor counts: lines from 1, columns in bytes from 1.
+    std::string_view read = text.substr(0, std::min(used, text.size()));
+    std::size_t line = 1 + std::count(read.begin(), read.end(), '\n');
+    std::size_t column = read.size() - (read.rfind('\n') + 1) + 1;
+    throw Exception("JSONParseException", fmt::format("invalid JSON at line {}, column {}: {}",
+                                                      line, column, ec.message()));
+  }
   return parser.handler().st.release();
 }
 

@@ -39,10 +39,18 @@ TEST(InspectCommandTest, ExplainsWhyThereIsNoRichContentOrMedia) {
 }
 
 TEST(InspectCommandTest, InputThatIsNotAJsonObjectIsAUsageError) {
-  for (std::string text : {"{\"a\":", "[1,2]", "\"\xFF\"", ""}) {
-    auto [status, out] = inspect(text);
-    EXPECT_EQ(status, 2) << text;
+  struct Case {
+    std::string text, says;
+  } cases[] = {{"{\"a\":", "line 1, column 6"},
+               {"{\"a\": 1,\n  \"b\": [1, 2,,]}", "line 2, column 14"},
+               {"[1,2]", "not a JSON object"},
+               {"\"\xFF\"", "invalid JSON"},
+               {"", "invalid JSON"}};
+  for (const auto& c : cases) {
+    auto [status, out] = inspect(c.text);
+    EXPECT_EQ(status, 2) << c.text;
     EXPECT_EQ(std::count(out.begin(), out.end(), '\n'), 1) << out;
+    EXPECT_NE(out.find(c.says), std::string::npos) << out;
   }
 }
 
