@@ -114,14 +114,21 @@ std::shared_ptr<UrlSession> Platform::urlSession() {
     });
   });
   std::lock_guard lock(mutex_);
-  if (!urlSession_) {
-    auto configuration = UrlSessionConfiguration::defaultSessionConfiguration();
-    configuration.requestCachePolicy = UrlRequest::kReloadIgnoringLocalCacheData;
-    configuration.extraCaFile = extraCaFile_;
-    configuration.temporaryDirectory = temporaryDirectory_;
-    urlSession_ = UrlSession::sessionWithConfiguration(configuration);
-  }
+  if (!urlSession_) urlSession_ = UrlSession::sessionWithConfiguration(configurationLocked());
   return urlSession_;
+}
+
+UrlSessionConfiguration Platform::urlSessionConfiguration() const {
+  std::lock_guard lock(mutex_);
+  return configurationLocked();
+}
+
+UrlSessionConfiguration Platform::configurationLocked() const {
+  auto configuration = UrlSessionConfiguration::defaultSessionConfiguration();
+  configuration.requestCachePolicy = UrlRequest::kReloadIgnoringLocalCacheData;
+  configuration.extraCaFile = extraCaFile_;
+  configuration.temporaryDirectory = temporaryDirectory_;
+  return configuration;
 }
 
 void Platform::setUrlSession(std::shared_ptr<UrlSession> session) {

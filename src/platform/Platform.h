@@ -22,6 +22,7 @@
 namespace zv {
 
 class UrlSession;
+struct UrlSessionConfiguration;
 class NotificationCenter;
 class TextMeasurer;
 
@@ -58,6 +59,9 @@ class Platform {
   // file and temporary folder set at that moment.
   std::shared_ptr<UrlSession> urlSession();
   void setUrlSession(std::shared_ptr<UrlSession> session);
+  // The configuration urlSession() makes its session with, for an edge that makes its own (to
+  // watch the transfers, say) and installs it with setUrlSession.
+  UrlSessionConfiguration urlSessionConfiguration() const;
 
   // The notification center (delivered notifications), made on first use with the clock set then.
   std::shared_ptr<NotificationCenter> notificationCenter();
@@ -73,6 +77,7 @@ class Platform {
 
  private:
   Platform();
+  UrlSessionConfiguration configurationLocked() const;
 
   mutable std::mutex mutex_;
   std::shared_ptr<Clock> clock_;

@@ -15,15 +15,20 @@
 
 #include "ArgParser.h"
 #include "Command.h"
+#include "DownloadExplainer.h"
 #include "JsonIO.h"
 #include "platform/Platform.h"
 #include "platform/foundation/Log.h"
+#include "platform/net/UrlSession.h"
+#include "platform/net/UrlSessionConfiguration.h"
 #include "platform/notifications/NotificationCenter.h"
 #include "platform/notifications/UNMutableNotificationContent.h"
 #include "platform/notifications/UNNotificationAttachment.h"
 #include "platform/notifications/UNNotificationRequest.h"
 #include "platform/notifications/UNNotificationSound.h"
+#include "service/ServicePlan.h"
 #include "service/ZVRichNotification.h"
+#include "service/ZVRichNotificationHandler.h"
 
 namespace zvpush {
 
@@ -71,7 +76,7 @@ json::value describe(const zv::UNNotificationContent& c, const std::string& iden
 
 int run(const Args& args) {
   ArgParser p({"--store", "--app-group", "--delivered", "--tmp", "--ca-file", "--id", "--budget"},
-              {"--content-only", "--log"});
+              {"--content-only", "--log", "--explain"});
   p.parse(args);
   if (p.positional().size() != 1) throw UsageError("expected one PAYLOAD.json");
   zv::Value payload = readJsonObject(p.positional()[0]);
@@ -93,23 +98,42 @@ int run(const Args& args) {
   // The phone gives the service extension about 30 seconds, then shows the best attempt.
   double budget = p.number("--budget").value_or(30);
   if (!(budget > 0 && budget <= 86400)) throw UsageError("--budget needs seconds above 0");
+  std::string identifier = p.value("--id").value_or(randomIdentifier());
+  auto request = zv::UNNotificationRequest::requestWithRemoteNotification(identifier, payload);
+
+  // --explain watches the session's transfers. The media list comes from the service's own plan,
+  // made here before --log installs its receiver, so that its messages are not printed twice.
+  std::shared_ptr<DownloadExplainer> explainer;
+  std::vector<std::shared_ptr<zv::ZVMedia>> media;
+  if (p.flag("--explain")) {
+    using namespace std::chrono_literals;
+    explainer = std::make_shared<DownloadExplainer>(
+        stderr, ::isatty(STDERR_FILENO) ? DownloadExplainer::Clock::duration(3s)
+                                        : DownloadExplainer::Clock::duration::zero());
+    auto configuration = platform.urlSessionConfiguration();
+    configuration.observer = explainer;
+    platform.setUrlSession(zv::UrlSession::sessionWithConfiguration(configuration));
+    media =
+        zv::ServicePlan::make(zv::ZVRichNotificationHandler::sharedHandler(), request, false).media;
+  }
   if (p.flag("--log")) {
     zv::log::setSinkReceiver([](const std::string& m) { std::fprintf(stderr, "%s\n", m.c_str()); });
   }
   if (auto group = p.value("--app-group")) zv::ZVRichNotification::setAppGroupID(*group);
-
-  std::string identifier = p.value("--id").value_or(randomIdentifier());
-  auto request = zv::UNNotificationRequest::requestWithRemoteNotification(identifier, payload);
 
   // The content is described at the moment the handler receives it: a badge that lands later is
   // lost, as it would be on the phone.
   std::mutex mutex;
   std::condition_variable delivered;
   std::optional<json::value> result;
-  auto handler = [&](const std::shared_ptr<zv::UNNotificationContent>& content) {
-    json::value v = describe(*content, identifier);
+  std::shared_ptr<zv::UNNotificationContent> content;
+  auto handler = [&](const std::shared_ptr<zv::UNNotificationContent>& c) {
+    json::value v = describe(*c, identifier);
     std::lock_guard lock(mutex);
-    if (!result) result = std::move(v);
+    if (!result) {
+      result = std::move(v);
+      content = c;
+    }
     delivered.notify_all();
   };
   if (p.flag("--content-only")) {
@@ -127,6 +151,7 @@ int run(const Args& args) {
     delivered.wait(lock, [&] { return result.has_value(); });
     result->as_object()["expired"] = true;
   }
+  if (explainer) explainer->explain(media, *content, platform.temporaryDirectory() / "Attachments");
   std::cout << pretty(*result) << std::endl;
   return kOk;
 }
@@ -135,7 +160,8 @@ int run(const Args& args) {
 
 ZVPUSH_COMMAND("service", "run the notification-service flow on a payload",
                "service PAYLOAD.json [--store DIR] [--app-group ID] [--delivered N] "
-               "[--content-only] [--tmp DIR] [--ca-file PEM] [--id ID] [--budget S] [--log]",
+               "[--content-only] [--tmp DIR] [--ca-file PEM] [--id ID] [--budget S] [--log] "
+               "[--explain]",
                run,
                "  PAYLOAD.json     the remote-notification payload (\"-\" reads stdin)\n"
                "  --store DIR      the folder of the stores ($XDG_DATA_HOME/zentrova)\n"
@@ -146,6 +172,10 @@ ZVPUSH_COMMAND("service", "run the notification-service flow on a payload",
                "  --ca-file PEM    one more trusted certificate authority\n"
                "  --id ID          the request's identifier (random)\n"
                "  --budget S       seconds before the best attempt is delivered (30)\n"
-               "  --log            print every log-sink message on stderr\n");
+               "  --log            print every log-sink message on stderr\n"
+               "  --explain        say on stderr what happened to each media item: its HTTP\n"
+               "                   status or transfer error, the bytes received, and the\n"
+               "                   attachment made or why not; on a terminal a slow download\n"
+               "                   shows its progress every 3 s; the reports request's answer\n");
 
 }  // namespace zvpush

@@ -60,6 +60,7 @@ std::unique_ptr<CurlTransfer> CurlTransfer::create(std::shared_ptr<UrlSessionTas
 
 bool CurlTransfer::configure(const UrlSessionConfiguration& configuration, Error* error) {
   downloadDirectory_ = configuration.temporaryDirectory;
+  observer_ = configuration.observer;
   easy_.reset(curl_easy_init());
   if (!easy_) {
     *error = Error{Error::kUrlDomain, CURLE_OUT_OF_MEMORY, curl_easy_strerror(CURLE_OUT_OF_MEMORY)};
@@ -248,6 +249,10 @@ void CurlTransfer::finishWithError(const Error& error) {
 void CurlTransfer::deliver(std::optional<std::string> body, std::optional<Url> location,
                            std::shared_ptr<HttpUrlResponse> response, std::optional<Error> error) {
   task_->markCompleted();
+  if (observer_) {
+    observer_->taskFinished(*task_, response ? response->statusCode() : 0,
+                            static_cast<std::int64_t>(received_), error);
+  }
   // A completion that throws must not take the delegate thread (and with it every later task)
   // down: the exception ends there, with a line in the system log.
   try {
@@ -316,9 +321,13 @@ size_t CurlTransfer::onHeader(char* data, size_t size, size_t count, void* self)
   return n;
 }
 
-int CurlTransfer::onProgress(void* self, curl_off_t, curl_off_t dlnow, curl_off_t,
+int CurlTransfer::onProgress(void* self, curl_off_t dltotal, curl_off_t dlnow, curl_off_t,
                              curl_off_t ulnow) {
   auto* t = static_cast<CurlTransfer*>(self);
+  if (t->observer_) {
+    t->observer_->taskProgressed(*t->task_, static_cast<std::int64_t>(t->received_),
+                                 dltotal > 0 ? static_cast<std::int64_t>(dltotal) : -1);
+  }
   if (dlnow != t->lastDownloaded_ || ulnow != t->lastUploaded_) {
     t->lastDownloaded_ = dlnow;
     t->lastUploaded_ = ulnow;

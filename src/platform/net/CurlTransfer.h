@@ -78,6 +78,7 @@ class CurlTransfer {
   long redirects_ = 0;
   std::string extraCaFile_;
   std::filesystem::path downloadDirectory_;
+  std::shared_ptr<UrlSessionObserver> observer_;
   char errorBuffer_[CURL_ERROR_SIZE] = {};
 
   std::string body_;
@@ -92,6 +93,7 @@ class CurlTransfer {
   Clock::time_point started_;
   Clock::time_point lastActivity_;
   curl_off_t lastDownloaded_ = 0;
+  curl_off_t expected_ = -1;
   curl_off_t lastUploaded_ = 0;
 };
 

@@ -4,10 +4,13 @@
 #include <sys/socket.h>
 
 #include <atomic>
+#include <condition_variable>
 #include <future>
+#include <mutex>
 #include <set>
 #include <stdexcept>
 #include <thread>
+#include <tuple>
 
 #include "platform/Platform.h"
 #include "platform/net/UrlSession.h"
@@ -233,6 +236,61 @@ TEST_F(UrlSessionFailureTest, DestroyedSessionDropsRunningTasks) {
 
 // A cancelled task completes once, with the cancelled error: while it waits for its answer, or
 // when resumed after the cancel.
+// An observer in the configuration sees each task's body arrive and its end, just before the
+// completion: the status, the bytes and the error a tool would explain.
+TEST(UrlSessionObserverTest, SeesProgressAndTheEndOfEveryTask) {
+  struct Recorder : zv::UrlSessionObserver {
+    std::mutex mutex;
+    std::condition_variable changed;
+    std::int64_t progressed = 0;  // of the never-ending body
+    std::vector<std::tuple<std::string, long, std::int64_t, long>>
+        ends;  // path, status, bytes, error
+    void taskProgressed(const zv::UrlSessionTask& task, std::int64_t received,
+                        std::int64_t) override {
+      std::lock_guard lock(mutex);
+      if (task.originalRequest().url()->path() == "/trickle/1") progressed = received;
+      changed.notify_all();
+    }
+    void taskFinished(const zv::UrlSessionTask& task, long status, std::int64_t received,
+                      const std::optional<zv::Error>& error) override {
+      std::lock_guard lock(mutex);
+      ends.emplace_back(task.originalRequest().url()->path(), status, received,
+                        error ? error->code : 0);
+    }
+  };
+  zvtest::TempDir tmp;
+  LocalServer server;
+  auto recorder = std::make_shared<Recorder>();
+  auto session = UrlSession::sessionWithConfiguration(
+      {.temporaryDirectory = tmp.path(), .observer = recorder});
+  download(*session, server.url("/bytes/300000"));
+  download(*session, server.url("/status/404"));
+  download(*session, server.url("/bytes/300000"), 1000);
+  // A body that never ends: bytes are seen arriving, then the task is cancelled.
+  auto done = std::make_shared<std::promise<Outcome>>();
+  auto task = session->downloadTaskWithURL(*Url::parse(server.url("/trickle/1")),
+                                           [done](auto location, auto response, auto error) {
+                                             done->set_value({{}, location, response, error});
+                                           });
+  task->resume();
+  {
+    std::unique_lock lock(recorder->mutex);
+    recorder->changed.wait(lock, [&] { return recorder->progressed >= 3; });
+  }
+  task->cancel();
+  await(done->get_future());
+  std::lock_guard lock(recorder->mutex);
+  // download() drains with a request without URL, which never starts a transfer.
+  ASSERT_EQ(recorder->ends.size(), 4u);
+  using End = std::tuple<std::string, long, std::int64_t, long>;
+  EXPECT_EQ(recorder->ends[0], End("/bytes/300000", 200, 300000, 0));
+  EXPECT_EQ(recorder->ends[1], End("/status/404", 404, 10, 0));
+  EXPECT_EQ(std::get<3>(recorder->ends[2]), UrlSession::kBodyTooLargeError);
+  EXPECT_EQ(std::get<0>(recorder->ends[3]), "/trickle/1");
+  EXPECT_GE(std::get<2>(recorder->ends[3]), 3);
+  EXPECT_EQ(std::get<3>(recorder->ends[3]), UrlSession::kCancelledError);
+}
+
 TEST_F(UrlSessionFailureTest, CancelledTasksEndWithTheCancelledError) {
   server.holdAnswers();
   for (bool runningFirst : {true, false}) {

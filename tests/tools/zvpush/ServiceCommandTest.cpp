@@ -78,6 +78,51 @@ TEST(ServiceCommandTest, PrintsTheDeliveredContent) {
   EXPECT_EQ(posts, 1);
 }
 
+// --explain says on stderr what became of each media item, beside the library's own messages, and
+// what the reports endpoint answered.
+TEST(ServiceCommandTest, ExplainSaysWhatBecameOfEachMediaItem) {
+  TempDir dir;
+  LocalServer server;
+  server.addFile("/a.png", readFile(ZV_SOURCE_DIR "/tests/data/media/sample.png"), "image/png");
+  server.addFile("/t.txt", "plain words", "text/plain");
+  std::string common = "--store " + (dir.path() / "store").string() + " --app-group group.cli ";
+  for (const std::string& set : std::vector<std::string>{
+           "zov_params '{}'", "zov_reports_host '\"127.0.0.1\"'", "zov_reports_scheme '\"http\"'",
+           "zov_reports_port " + std::to_string(server.port())}) {
+    ASSERT_EQ(runZvpush("store " + common + "set " + set).exit, 0) << set;
+  }
+  struct Case {
+    std::string url;
+    std::vector<std::string> says;
+  } cases[] = {
+      {server.url("/a.png"), {"HTTP 200, ", "attached as image (image/png)"}},
+      {server.url("/none.png"), {"HTTP 404", "not attached: the server answered 404"}},
+      {server.url("/t.txt"), {"HTTP 200", "not attached: ", "unsupported type (text/plain)"}},
+      {"http://127.0.0.1:1/x.png", {"no answer", "not attached: the transfer failed"}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.url);
+    json::object payload{
+        {"aps", json::object{{"alert", "hello"}}},
+        {"zentrova", json::object{{"cid", "c"}, {"app_id", "app"}, {"media-attachment", c.url}}}};
+    std::ofstream(dir.path() / "p.json") << json::serialize(payload);
+    auto err = dir.path() / "err.txt";
+    auto run = runZvpush("service " + (dir.path() / "p.json").string() + " " + common + "--tmp " +
+                         dir.path().string() + " --explain 2> " + err.string());
+    ASSERT_EQ(run.exit, 0);
+    std::string text = readFile(err);
+    std::string line = "zvpush: media " + c.url + ": ";
+    ASSERT_NE(text.find(line), std::string::npos) << text;
+    std::string media = text.substr(text.find(line));
+    media = media.substr(0, media.find('\n'));
+    for (const auto& part : c.says) EXPECT_NE(media.find(part), std::string::npos) << media;
+    bool attached = c.says.back().starts_with("attached");
+    // The library's own message for a failed download stays as it is.
+    EXPECT_EQ(text.find("Attachment Download failure") != std::string::npos, !attached) << text;
+    EXPECT_NE(text.find("zvpush: reports POST " + server.url("/")), std::string::npos) << text;
+  }
+}
+
 TEST(ServiceCommandTest, BadInputIsOneLineAndExitTwo) {
   TempDir dir;
   std::ofstream(dir.path() / "array.json") << "[1, 2]";
