@@ -1,21 +1,26 @@
 // zvpush serve: a local media server and reports endpoint for trying payloads. GET serves the
 // files under --root (never anything outside it, symbolic links included); POST to any path (the
 // reports path is /v2/report/add/<app key>) answers 200 and appends {"appKey", "path", "body"} as
-// one JSON line to --reports FILE or to stdout. The first line printed is "listening on URL".
-// SIGINT and SIGTERM stop the server; the exit code is then 0.
+// one JSON line to --reports FILE or to stdout. The first line printed is "listening on URL"; each
+// request is logged on stderr. A port already in use is an error (exit 1), never shared. SIGINT
+// and SIGTERM stop the server; the exit code is then 0.
 #ifdef ZVPUSH_CONTENT
 #include <httplib.h>
 #endif
 #include <pthread.h>
 #include <signal.h>
+#include <sys/socket.h>
 
 #include <algorithm>
 #include <atomic>
 #include <boost/json/parse.hpp>
 #include <boost/json/serialize.hpp>
 #include <cctype>
+#include <cerrno>
+#include <chrono>
 #include <condition_variable>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -84,6 +89,8 @@ std::string reportLine(const httplib::Request& req) {
 
 class Server {
  public:
+  using Clock = std::chrono::steady_clock;
+
   Server(fs::path root, std::ostream& reports, std::chrono::milliseconds latency)
       : root_(std::move(root)), reports_(reports), latency_(latency) {}
 
@@ -93,7 +100,22 @@ class Server {
     // Headers and body go out in separate writes: without this, a reused connection waits for the
     // client's delayed acknowledgement (about 40 ms) before the body.
     http.set_tcp_nodelay(true);
+    // Only SO_REUSEADDR (a restart binds at once): cpp-httplib's default adds SO_REUSEPORT, with
+    // which a second server binds the same port and the two share its requests unnoticed.
+    http.set_socket_options([](int sock) {
+      int yes = 1;
+      ::setsockopt(sock, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof(yes));
+    });
+    // One line on stderr per request: method, path, status, body bytes and time taken. A request
+    // is handled on one worker thread from routing to logging, so its start time is kept there.
+    http.set_logger([](const httplib::Request& req, const httplib::Response& res) {
+      auto took = std::chrono::duration<double, std::milli>(Clock::now() - requestStart()).count();
+      std::size_t bytes = res.content_length_ > 0 ? res.content_length_ : res.body.size();
+      std::fprintf(stderr, "%s %s %d %zu bytes %.1f ms\n", req.method.c_str(), req.path.c_str(),
+                   res.status, bytes, took);
+    });
     http.set_pre_routing_handler([this](const httplib::Request&, httplib::Response&) {
+      requestStart() = Clock::now();
       if (latency_.count() > 0) {
         std::unique_lock lock(mutex_);
         stopCondition_.wait_for(lock, latency_, [this] { return stopping_; });
@@ -118,6 +140,11 @@ class Server {
   }
 
  private:
+  static Clock::time_point& requestStart() {
+    thread_local Clock::time_point start;
+    return start;
+  }
+
   void serveFile(const httplib::Request& req, httplib::Response& res) {
     std::optional<fs::path> file = resolve(root_, req.path);
     if (!file) {
@@ -200,12 +227,18 @@ int run(const Args& args) {
   pthread_sigmask(SIG_BLOCK, &stopSignals, nullptr);
   std::signal(SIGPIPE, SIG_IGN);
 
+  errno = 0;
   int bound =
       port > 0
           ? (http->bind_to_port("127.0.0.1", static_cast<int>(port)) ? static_cast<int>(port) : -1)
           : http->bind_to_any_port("127.0.0.1");
   if (bound <= 0) {
-    std::fprintf(stderr, "zvpush: cannot listen on 127.0.0.1:%d\n", static_cast<int>(port));
+    int error = errno;
+    std::string why = error == EADDRINUSE ? "address already in use"
+                      : error != 0        ? std::strerror(error)
+                                          : "the socket could not be bound";
+    std::fprintf(stderr, "zvpush: cannot listen on 127.0.0.1:%d: %s\n", static_cast<int>(port),
+                 why.c_str());
     return kFailure;
   }
   std::cout << "listening on " << (cert ? "https" : "http") << "://127.0.0.1:" << bound
@@ -241,6 +274,8 @@ ZVPUSH_COMMAND("serve", "a local media server and reports endpoint for trying pa
                "  --port N         the port on 127.0.0.1 (0: any free port)\n"
                "  --tls-cert PEM --tls-key PEM  serve HTTPS with this certificate and key\n"
                "  --latency MS     delay every answer (0)\n"
-               "  --reports FILE   append each report POST as a JSON line (default: stdout)\n");
+               "  --reports FILE   append each report POST as a JSON line (default: stdout)\n"
+               "Each request is logged on stderr: method, path, status, bytes, time. A port\n"
+               "already in use is refused (exit 1).\n");
 
 }  // namespace zvpush

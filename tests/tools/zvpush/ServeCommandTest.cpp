@@ -149,4 +149,26 @@ TEST_F(ServeCommandTest, UsageErrorsExitWithTwoAndOneLine) {
   }
 }
 
+// A second server on a port in use is refused (never shares it), and every request is logged on
+// stderr with its method, path, status and size.
+TEST_F(ServeCommandTest, RefusesAPortInUseAndLogsEachRequest) {
+  auto log = dir.path() / "serve.log";
+  Serve serve("--root " + root() + " --port 0 2> " + log.string());
+  auto second = zvtest::runZvpush("serve --root " + root() + " --port " +
+                                  std::to_string(serve.port) + " 2>&1");
+  EXPECT_EQ(second.exit, 1);
+  EXPECT_EQ(second.out, "zvpush: cannot listen on 127.0.0.1:" + std::to_string(serve.port) +
+                            ": address already in use\n");
+  httplib::Client client("127.0.0.1", serve.port);
+  ASSERT_TRUE(client.Get("/a.png"));
+  ASSERT_TRUE(client.Get("/missing.png"));
+  ASSERT_TRUE(client.Post("/v2/report/add/app", "{}", "application/json"));
+  EXPECT_EQ(serve.stop(SIGTERM), 0);
+  std::string text = zvtest::readFile(log);
+  for (const char* line : {"GET /a.png 200 7 bytes ", "GET /missing.png 404 10 bytes ",
+                           "POST /v2/report/add/app 200 15 bytes "}) {
+    EXPECT_NE(text.find(line), std::string::npos) << line << " in\n" << text;
+  }
+}
+
 }  // namespace
