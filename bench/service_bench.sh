@@ -2,8 +2,10 @@
 # Service-flow benchmarks against a local `zvpush serve --latency 100`:
 #  1. a carousel of five images against the same flow without media: the downloads run side by
 #     side, so the difference should stay within 1.3 latencies (a serial download would be 5);
-#  2. peak resident memory of `zvpush service` attaching three 8 MB images (downloads stream to
-#     disk; zvpush loads no Pango, Cairo or FFmpeg).
+#  2. peak private dirty memory (what a phone counts; RSS beside it) of `zvpush service` attaching
+#     three 8 MB images: downloads stream to disk and zvpush loads no Pango, Cairo or FFmpeg, so
+#     the goal is 16 MiB.
+# Exits 1 when a goal is missed.
 # Usage: bench/service_bench.sh [path/to/zvpush] [runs]
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -67,11 +69,21 @@ done
 m5=$(printf '%s\n' "${five[@]}" | median)
 m0=$(printf '%s\n' "${none[@]}" | median)
 echo "five images: median ${m5} ms; no media: median ${m0} ms (over $runs runs each)"
+missed=0
 awk -v a="$m5" -v b="$m0" -v l="$latency_ms" \
-  'BEGIN {printf "difference %d ms = %.2f latencies (goal <= 1.30)\n", a - b, (a - b) / l}'
+  'BEGIN {printf "difference %d ms = %.2f latencies (goal <= 1.30)\n", a - b, (a - b) / l;
+          exit !((a - b) / l <= 1.30)}' || { echo "MISSED: the downloads did not run side by side"; missed=1; }
 
 rm -rf "$work/tmp" && mkdir -p "$work/tmp"
-peak=$( { /usr/bin/time -f "%M" "$zvpush" service "$work/big.json" --store "$work/store" \
-  --app-group group.bench --tmp "$work/tmp" > "$work/big.out"; } 2>&1 | tail -n 1)
-attached=$(grep -c '"identifier": "[0-9a-f]\{32\}"' "$work/big.out" || true)
-echo "three 8 MB images: ${attached} attachments, peak resident ${peak} KiB (goal <= 16384)"
+memory=$(python3 bench/peak_memory.py "$zvpush" service "$work/big.json" --store "$work/store" \
+  --app-group group.bench --tmp "$work/tmp" --compact)
+"$zvpush" service "$work/big.json" --store "$work/store" --app-group group.bench \
+  --tmp "$work/tmp" > "$work/big.out"
+attached=$(grep -o '"identifier": *"[0-9a-f]\{32\}"' "$work/big.out" | wc -l)
+dirty=$(sed -nE 's/.*private_dirty_kb=([0-9]+).*/\1/p' <<< "$memory")
+rss=$(sed -nE 's/.*rss_kb=([0-9]+).*/\1/p' <<< "$memory")
+echo "three 8 MB images: ${attached} attachments, peak private dirty ${dirty} KiB (goal <= 16384)," \
+  "RSS ${rss} KiB"
+[ "$attached" -eq 3 ] || { echo "MISSED: ${attached} of 3 attachments"; missed=1; }
+[ "$dirty" -le 16384 ] || { echo "MISSED: the memory goal"; missed=1; }
+exit $missed
