@@ -2,6 +2,9 @@
 // unknown short options, one-line errors with the reason, a failed write, --compact.
 #include <gtest/gtest.h>
 
+#include <regex>
+#include <set>
+
 #include "support/TestSupport.h"
 
 namespace zvtest {
@@ -40,6 +43,25 @@ TEST(ConventionsTest, OptionGrammarHelpAndErrors) {
       EXPECT_EQ(std::count(r.out.begin(), r.out.end(), '\n'), 1) << c.args << ": one line";
     }
   }
+}
+
+// The README's command list is the one zvpush --help prints: no command missing, none extra.
+TEST(ConventionsTest, TheReadmeListsEveryCommand) {
+  auto help = runZvpush("--help");
+  std::string readme = readFile(ZV_SOURCE_DIR "/README.md");
+  readme = readme.substr(readme.find("\n## zvpush\n"));
+  readme = readme.substr(0, readme.find("\n## ", 1));
+  std::regex listed("\n    zvpush ([a-z]+) ");
+  std::set<std::string> inReadme, inHelp;
+  for (std::sregex_iterator it(readme.begin(), readme.end(), listed), end; it != end; ++it) {
+    inReadme.insert((*it)[1]);
+  }
+  std::regex usage("\n  zvpush ([a-z]+) ");
+  for (std::sregex_iterator it(help.out.begin(), help.out.end(), usage), end; it != end; ++it) {
+    inHelp.insert((*it)[1]);
+  }
+  EXPECT_FALSE(inHelp.empty());
+  EXPECT_EQ(inReadme, inHelp);
 }
 
 }  // namespace
