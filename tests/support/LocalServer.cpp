@@ -196,6 +196,15 @@ void LocalServer::installRoutes() {
         "application/octet-stream",
         [this, every](std::size_t, DataSink& sink) { return pause(every) && sink.write("x", 1); });
   });
+  // Announces 100 GB, then sends one byte every <ms> milliseconds.
+  server_->Get(R"(/huge/(\d+))", [this](const Request& req, Response& res) {
+    record(req);
+    auto every = std::chrono::milliseconds(std::stol(req.matches[1]));
+    res.set_content_provider(100'000'000'000ull, "application/octet-stream",
+                             [this, every](std::size_t, std::size_t, DataSink& sink) {
+                               return pause(every) && sink.write("x", 1);
+                             });
+  });
   server_->Get("/to-file", [this](const Request& req, Response& res) {
     record(req);
     res.set_redirect("file:///etc/hostname");

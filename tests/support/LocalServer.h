@@ -9,6 +9,7 @@
 //   GET  /chunked/<n>       the same bytes, chunked (no length announced)
 //   GET  /cut/<n>           announces n bytes, sends half of them, then drops the connection
 //   GET  /trickle/<ms>      a body without a length, one byte every ms milliseconds, for ever
+//   GET  /huge/<ms>         announces 100 GB, then one byte every ms milliseconds
 //   GET  /to-file           302 to file:///etc/hostname
 //   GET  /redirect/<k>      302 to /redirect/<k-1>; /redirect/0 answers 200 "redirected"
 //   GET  <a path from addFile>  that file's body and content type, after the file's own delay
