@@ -93,7 +93,6 @@ class CurlTransfer {
   Clock::time_point started_;
   Clock::time_point lastActivity_;
   curl_off_t lastDownloaded_ = 0;
-  curl_off_t expected_ = -1;
   curl_off_t lastUploaded_ = 0;
 };
 
