@@ -7,8 +7,8 @@
 #include <chrono>
 #include <string>
 
-#include "model/ZVPushPayload.h"
-#include "model/ZVRichPush.h"
+#include "zentrova/model/ZVPushPayload.h"
+#include "zentrova/model/ZVRichPush.h"
 
 namespace {
 

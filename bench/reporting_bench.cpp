@@ -10,11 +10,11 @@
 #include <filesystem>
 #include <string>
 
-#include "platform/Platform.h"
-#include "platform/defaults/UserDefaults.h"
-#include "platform/foundation/Value.h"
-#include "reporting/ZVExtensionNetworkManager.h"
-#include "store/ZVExtensionDataManager.h"
+#include "zentrova/platform/Platform.h"
+#include "zentrova/platform/defaults/UserDefaults.h"
+#include "zentrova/platform/foundation/Value.h"
+#include "zentrova/reporting/ZVExtensionNetworkManager.h"
+#include "zentrova/store/ZVExtensionDataManager.h"
 
 namespace {
 

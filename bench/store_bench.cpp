@@ -24,11 +24,11 @@
 #include <stdexcept>
 #include <string>
 
-#include "model/ZVPushPayload.h"
-#include "model/ZVRichNotifUtils.h"
-#include "platform/Platform.h"
-#include "platform/defaults/UserDefaults.h"
-#include "store/ZVExtensionDataManager.h"
+#include "zentrova/model/ZVPushPayload.h"
+#include "zentrova/model/ZVRichNotifUtils.h"
+#include "zentrova/platform/Platform.h"
+#include "zentrova/platform/defaults/UserDefaults.h"
+#include "zentrova/store/ZVExtensionDataManager.h"
 
 namespace {
 

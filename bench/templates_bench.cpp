@@ -10,19 +10,19 @@
 #include <fstream>
 #include <iterator>
 
-#include "model/ZVRichNotifUtils.h"
-#include "platform/Platform.h"
-#include "platform/foundation/Error.h"
-#include "platform/graphics/ImageDecoder.h"
-#include "platform/notifications/UNMutableNotificationContent.h"
-#include "platform/notifications/UNNotification.h"
-#include "platform/notifications/UNNotificationAttachment.h"
-#include "platform/notifications/UNNotificationRequest.h"
-#include "platform/text/PangoTextMeasurer.h"
-#include "platform/ui/NSBundle.h"
-#include "platform/ui/UIViewController.h"
-#include "resources/ZVInterfaceFiles.h"
-#include "templates/ZVPushTemplateHandler.h"
+#include "zentrova/model/ZVRichNotifUtils.h"
+#include "zentrova/platform/Platform.h"
+#include "zentrova/platform/foundation/Error.h"
+#include "zentrova/platform/graphics/ImageDecoder.h"
+#include "zentrova/platform/notifications/UNMutableNotificationContent.h"
+#include "zentrova/platform/notifications/UNNotification.h"
+#include "zentrova/platform/notifications/UNNotificationAttachment.h"
+#include "zentrova/platform/notifications/UNNotificationRequest.h"
+#include "zentrova/platform/text/PangoTextMeasurer.h"
+#include "zentrova/platform/ui/NSBundle.h"
+#include "zentrova/platform/ui/UIViewController.h"
+#include "zentrova/resources/ZVInterfaceFiles.h"
+#include "zentrova/templates/ZVPushTemplateHandler.h"
 
 namespace {
 

@@ -5,11 +5,11 @@
 #include <cstdlib>
 
 #include "FuzzInput.h"
-#include "platform/foundation/Exception.h"
-#include "platform/foundation/Value.h"
-#include "platform/notifications/UNNotificationRequest.h"
-#include "service/ServicePlan.h"
-#include "service/ZVRichNotificationHandler.h"
+#include "zentrova/platform/foundation/Exception.h"
+#include "zentrova/platform/foundation/Value.h"
+#include "zentrova/platform/notifications/UNNotificationRequest.h"
+#include "zentrova/service/ServicePlan.h"
+#include "zentrova/service/ZVRichNotificationHandler.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   zv::Value payload;

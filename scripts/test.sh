@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Installs the packages, checks the formatting, builds everything (release) and runs the whole test
-# suite, then builds it again with the address and undefined-behaviour sanitizers (the asan preset)
-# and runs the suite once more under them; last, each fuzz target runs for 60 seconds.
+# suite, installs that build into a temporary prefix and builds the host example against it, then
+# builds again with the address and undefined-behaviour sanitizers and shared libraries (the asan
+# preset) and runs the suite once more under them; last, each fuzz target runs for 60 seconds.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/install-deps.sh
@@ -10,6 +11,7 @@ jobs="$(nproc)"
 cmake --preset release
 cmake --build --preset release -j "$jobs"
 ctest --preset release -j "$jobs"
+bash scripts/check-install.sh build/release
 cmake --preset asan
 cmake --build --preset asan -j "$jobs" --target zv_tests zvpush zvpush-content
 ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \

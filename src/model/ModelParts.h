@@ -8,10 +8,10 @@
 #include <string_view>
 #include <vector>
 
-#include "model/PayloadKeys.h"
-#include "model/ZVRichNotifUtils.h"
-#include "platform/foundation/Color.h"
-#include "platform/foundation/Value.h"
+#include "zentrova/model/PayloadKeys.h"
+#include "zentrova/model/ZVRichNotifUtils.h"
+#include "zentrova/platform/foundation/Color.h"
+#include "zentrova/platform/foundation/Value.h"
 
 namespace zv::model {
 

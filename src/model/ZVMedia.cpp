@@ -1,6 +1,6 @@
-#include "model/ZVMedia.h"
+#include "zentrova/model/ZVMedia.h"
 
-#include "model/ZVRichNotifUtils.h"
+#include "zentrova/model/ZVRichNotifUtils.h"
 
 namespace zv {
 

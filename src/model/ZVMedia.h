@@ -8,8 +8,8 @@
 #include <optional>
 #include <string>
 
-#include "platform/foundation/Url.h"
-#include "platform/foundation/Value.h"
+#include "zentrova/platform/foundation/Url.h"
+#include "zentrova/platform/foundation/Value.h"
 
 namespace zv {
 

@@ -1,6 +1,6 @@
-#include "model/ZVPushAction.h"
+#include "zentrova/model/ZVPushAction.h"
 
-#include "model/ModelParts.h"
+#include "zentrova/model/ModelParts.h"
 
 namespace zv {
 

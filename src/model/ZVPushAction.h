@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "platform/foundation/Value.h"
+#include "zentrova/platform/foundation/Value.h"
 
 namespace zv {
 

@@ -6,7 +6,7 @@
 
 #include <memory>
 
-#include "platform/foundation/Value.h"
+#include "zentrova/platform/foundation/Value.h"
 
 namespace zv {
 

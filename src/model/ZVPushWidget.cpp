@@ -1,7 +1,7 @@
-#include "model/ZVPushWidget.h"
+#include "zentrova/model/ZVPushWidget.h"
 
-#include "model/ModelParts.h"
-#include "model/ZVPushAction.h"
+#include "zentrova/model/ModelParts.h"
+#include "zentrova/model/ZVPushAction.h"
 
 namespace zv {
 

@@ -12,9 +12,9 @@
 #include <string>
 #include <string_view>
 
-#include "platform/foundation/Color.h"
-#include "platform/foundation/Url.h"
-#include "platform/foundation/Value.h"
+#include "zentrova/platform/foundation/Color.h"
+#include "zentrova/platform/foundation/Url.h"
+#include "zentrova/platform/foundation/Value.h"
 
 namespace zv {
 

@@ -2,10 +2,10 @@
 
 #include <fmt/format.h>
 
-#include "model/ZVRichNotifUtils.h"
-#include "platform/foundation/Exception.h"
-#include "platform/foundation/FileManager.h"
-#include "platform/notifications/UNNotificationAttachment.h"
+#include "zentrova/model/ZVRichNotifUtils.h"
+#include "zentrova/platform/foundation/Exception.h"
+#include "zentrova/platform/foundation/FileManager.h"
+#include "zentrova/platform/notifications/UNNotificationAttachment.h"
 
 namespace zv {
 

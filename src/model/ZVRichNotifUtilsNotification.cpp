@@ -1,7 +1,7 @@
 // ZVRichNotifUtils: the payload of a delivered notification.
 
-#include "model/ZVRichNotifUtils.h"
-#include "platform/notifications/UNNotification.h"
+#include "zentrova/model/ZVRichNotifUtils.h"
+#include "zentrova/platform/notifications/UNNotification.h"
 
 namespace zv {
 

@@ -7,7 +7,7 @@
 #include <memory>
 #include <vector>
 
-#include "platform/foundation/Value.h"
+#include "zentrova/platform/foundation/Value.h"
 
 namespace zv {
 

@@ -6,8 +6,8 @@
 #include <memory>
 #include <vector>
 
-#include "platform/foundation/Color.h"
-#include "platform/foundation/Value.h"
+#include "zentrova/platform/foundation/Color.h"
+#include "zentrova/platform/foundation/Value.h"
 
 namespace zv {
 

@@ -1,12 +1,12 @@
-#include "platform/Platform.h"
+#include "zentrova/platform/Platform.h"
 
 #include <cstdlib>
 
-#include "platform/foundation/FileManager.h"
-#include "platform/foundation/SystemVersion.h"
-#include "platform/net/UrlSession.h"
-#include "platform/notifications/NotificationCenter.h"
-#include "platform/text/TextMeasurer.h"
+#include "zentrova/platform/foundation/FileManager.h"
+#include "zentrova/platform/foundation/SystemVersion.h"
+#include "zentrova/platform/net/UrlSession.h"
+#include "zentrova/platform/notifications/NotificationCenter.h"
+#include "zentrova/platform/text/TextMeasurer.h"
 
 namespace zv {
 

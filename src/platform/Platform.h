@@ -17,7 +17,7 @@
 #include <mutex>
 #include <string>
 
-#include "platform/foundation/Clock.h"
+#include "zentrova/platform/foundation/Clock.h"
 
 namespace zv {
 

@@ -1,9 +1,9 @@
-#include "reporting/ReportsBody.h"
+#include "zentrova/reporting/ReportsBody.h"
 
 #include <boost/json/serializer.hpp>
 #include <cmath>
 
-#include "platform/foundation/Exception.h"
+#include "zentrova/platform/foundation/Exception.h"
 
 namespace zv {
 

@@ -8,7 +8,7 @@
 #include <optional>
 #include <string>
 
-#include "platform/foundation/Value.h"
+#include "zentrova/platform/foundation/Value.h"
 
 namespace zv {
 

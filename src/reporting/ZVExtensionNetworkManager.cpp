@@ -1,13 +1,13 @@
-#include "reporting/ZVExtensionNetworkManager.h"
+#include "zentrova/reporting/ZVExtensionNetworkManager.h"
 
 #include <fmt/format.h>
 
-#include "model/ZVRichNotifUtils.h"
-#include "platform/Platform.h"
-#include "platform/foundation/Exception.h"
-#include "platform/net/UrlSession.h"
-#include "reporting/ReportsBody.h"
-#include "store/ZVExtensionDataManager.h"
+#include "zentrova/model/ZVRichNotifUtils.h"
+#include "zentrova/platform/Platform.h"
+#include "zentrova/platform/foundation/Exception.h"
+#include "zentrova/platform/net/UrlSession.h"
+#include "zentrova/reporting/ReportsBody.h"
+#include "zentrova/store/ZVExtensionDataManager.h"
 
 namespace zv {
 

@@ -13,9 +13,9 @@
 #include <optional>
 #include <string>
 
-#include "platform/foundation/Url.h"
-#include "platform/foundation/Value.h"
-#include "platform/net/UrlRequest.h"
+#include "zentrova/platform/foundation/Url.h"
+#include "zentrova/platform/foundation/Value.h"
+#include "zentrova/platform/net/UrlRequest.h"
 
 namespace zv {
 

@@ -1,9 +1,9 @@
-#include "service/EditableDictionary.h"
+#include "zentrova/service/EditableDictionary.h"
 
 #include <fmt/format.h>
 
-#include "model/ZVRichNotifUtils.h"
-#include "platform/foundation/Exception.h"
+#include "zentrova/model/ZVRichNotifUtils.h"
+#include "zentrova/platform/foundation/Exception.h"
 
 namespace zv {
 

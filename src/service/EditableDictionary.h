@@ -9,7 +9,7 @@
 #include <boost/json/object.hpp>
 #include <string_view>
 
-#include "platform/foundation/Value.h"
+#include "zentrova/platform/foundation/Value.h"
 
 namespace zv {
 

@@ -1,10 +1,10 @@
-#include "service/ServicePlan.h"
+#include "zentrova/service/ServicePlan.h"
 
-#include "model/ZVPushPayload.h"
-#include "platform/foundation/Exception.h"
-#include "platform/notifications/UNMutableNotificationContent.h"
-#include "platform/notifications/UNNotificationRequest.h"
-#include "service/ZVRichNotificationHandler.h"
+#include "zentrova/model/ZVPushPayload.h"
+#include "zentrova/platform/foundation/Exception.h"
+#include "zentrova/platform/notifications/UNMutableNotificationContent.h"
+#include "zentrova/platform/notifications/UNNotificationRequest.h"
+#include "zentrova/service/ZVRichNotificationHandler.h"
 
 namespace zv {
 

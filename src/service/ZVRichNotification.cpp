@@ -1,6 +1,6 @@
-#include "service/ZVRichNotification.h"
+#include "zentrova/service/ZVRichNotification.h"
 
-#include "store/ZVExtensionDataManager.h"
+#include "zentrova/store/ZVExtensionDataManager.h"
 
 namespace zv {
 

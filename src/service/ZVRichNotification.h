@@ -6,7 +6,7 @@
 #include <optional>
 #include <string>
 
-#include "service/ZVRichNotificationHandler.h"
+#include "zentrova/service/ZVRichNotificationHandler.h"
 
 namespace zv {
 

@@ -1,12 +1,12 @@
-#include "store/ZVExtensionDataManager.h"
+#include "zentrova/store/ZVExtensionDataManager.h"
 
 #include <fmt/format.h>
 
-#include "model/ZVPushPayload.h"
-#include "model/ZVRichNotifUtils.h"
-#include "model/ZVRichPush.h"
-#include "platform/Platform.h"
-#include "platform/defaults/UserDefaults.h"
+#include "zentrova/model/ZVPushPayload.h"
+#include "zentrova/model/ZVRichNotifUtils.h"
+#include "zentrova/model/ZVRichPush.h"
+#include "zentrova/platform/Platform.h"
+#include "zentrova/platform/defaults/UserDefaults.h"
 
 namespace zv {
 

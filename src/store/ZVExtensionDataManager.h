@@ -18,8 +18,8 @@
 #include <string>
 #include <string_view>
 
-#include "platform/foundation/Clock.h"
-#include "platform/foundation/Value.h"
+#include "zentrova/platform/foundation/Clock.h"
+#include "zentrova/platform/foundation/Value.h"
 
 namespace zv {
 

@@ -10,10 +10,10 @@
 #include <memory>
 #include <vector>
 
-#include "model/ZVCardCarouselItem.h"
-#include "platform/ui/NSLayoutConstraint.h"
-#include "platform/ui/UICollectionView.h"
-#include "platform/ui/UIPageControl.h"
+#include "zentrova/model/ZVCardCarouselItem.h"
+#include "zentrova/platform/ui/NSLayoutConstraint.h"
+#include "zentrova/platform/ui/UICollectionView.h"
+#include "zentrova/platform/ui/UIPageControl.h"
 
 namespace zv {
 

@@ -4,8 +4,8 @@
 
 #include <memory>
 
-#include "platform/ui/UICollectionViewCell.h"
-#include "platform/ui/UIImageView.h"
+#include "zentrova/platform/ui/UICollectionViewCell.h"
+#include "zentrova/platform/ui/UIImageView.h"
 
 namespace zv {
 

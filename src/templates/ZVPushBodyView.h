@@ -8,9 +8,9 @@
 #include <cstdint>
 #include <memory>
 
-#include "platform/ui/NSLayoutConstraint.h"
-#include "platform/ui/UILabel.h"
-#include "platform/ui/UIView.h"
+#include "zentrova/platform/ui/NSLayoutConstraint.h"
+#include "zentrova/platform/ui/UILabel.h"
+#include "zentrova/platform/ui/UIView.h"
 
 namespace zv {
 

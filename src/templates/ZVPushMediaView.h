@@ -9,8 +9,8 @@
 #include <optional>
 #include <string>
 
-#include "platform/ui/UIImageView.h"
-#include "platform/ui/UIView.h"
+#include "zentrova/platform/ui/UIImageView.h"
+#include "zentrova/platform/ui/UIView.h"
 
 namespace zv {
 

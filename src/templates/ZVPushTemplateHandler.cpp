@@ -1,22 +1,22 @@
-#include "templates/ZVPushTemplateHandler.h"
+#include "zentrova/templates/ZVPushTemplateHandler.h"
 
 #include <fmt/format.h>
 
-#include "model/ZVPushPayload.h"
-#include "model/ZVRichNotifUtils.h"
-#include "model/ZVRichPush.h"
-#include "model/ZVRichPushMode.h"
-#include "platform/foundation/SystemVersion.h"
-#include "platform/ui/NSBundle.h"
-#include "platform/ui/NSExtensionContext.h"
-#include "platform/ui/NSLayoutConstraint.h"
-#include "platform/ui/UIColor.h"
-#include "platform/ui/UIViewController.h"
-#include "store/ZVExtensionDataManager.h"
-#include "templates/ZVCarouselCollectionView.h"
-#include "templates/ZVPushBodyView.h"
-#include "templates/ZVPushMediaView.h"
-#include "templates/ZVRichNotifUtilsContent.h"
+#include "zentrova/model/ZVPushPayload.h"
+#include "zentrova/model/ZVRichNotifUtils.h"
+#include "zentrova/model/ZVRichPush.h"
+#include "zentrova/model/ZVRichPushMode.h"
+#include "zentrova/platform/foundation/SystemVersion.h"
+#include "zentrova/platform/ui/NSBundle.h"
+#include "zentrova/platform/ui/NSExtensionContext.h"
+#include "zentrova/platform/ui/NSLayoutConstraint.h"
+#include "zentrova/platform/ui/UIColor.h"
+#include "zentrova/platform/ui/UIViewController.h"
+#include "zentrova/store/ZVExtensionDataManager.h"
+#include "zentrova/templates/ZVCarouselCollectionView.h"
+#include "zentrova/templates/ZVPushBodyView.h"
+#include "zentrova/templates/ZVPushMediaView.h"
+#include "zentrova/templates/ZVRichNotifUtilsContent.h"
 
 namespace zv {
 

@@ -1,10 +1,10 @@
-#include "templates/ZVRichPushGif.h"
+#include "zentrova/templates/ZVRichPushGif.h"
 
 #include <cmath>
 #include <limits>
 #include <vector>
 
-#include "platform/graphics/CGImageSource.h"
+#include "zentrova/platform/graphics/CGImageSource.h"
 
 namespace zv {
 

@@ -13,9 +13,9 @@
 #include <memory>
 #include <string>
 
-#include "platform/foundation/Url.h"
-#include "platform/foundation/Value.h"
-#include "platform/graphics/UIImage.h"
+#include "zentrova/platform/foundation/Url.h"
+#include "zentrova/platform/foundation/Value.h"
+#include "zentrova/platform/graphics/UIImage.h"
 
 namespace zv {
 

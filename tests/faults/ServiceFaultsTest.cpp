@@ -13,10 +13,10 @@
 #include <random>
 #include <thread>
 
-#include "platform/foundation/Value.h"
 #include "support/LocalServer.h"
 #include "support/RawReplyServer.h"
 #include "support/TestSupport.h"
+#include "zentrova/platform/foundation/Value.h"
 
 namespace zvtest {
 namespace {

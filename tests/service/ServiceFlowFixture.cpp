@@ -3,16 +3,16 @@
 #include <chrono>
 #include <future>
 
-#include "platform/Platform.h"
-#include "platform/defaults/UserDefaults.h"
-#include "platform/net/UrlSession.h"
-#include "platform/notifications/NotificationCenter.h"
-#include "platform/notifications/UNNotificationContent.h"
-#include "platform/notifications/UNNotificationRequest.h"
-#include "reporting/ZVExtensionNetworkManager.h"
-#include "service/ZVRichNotification.h"
-#include "service/ZVRichNotificationHandler.h"
-#include "store/ZVExtensionDataManager.h"
+#include "zentrova/platform/Platform.h"
+#include "zentrova/platform/defaults/UserDefaults.h"
+#include "zentrova/platform/net/UrlSession.h"
+#include "zentrova/platform/notifications/NotificationCenter.h"
+#include "zentrova/platform/notifications/UNNotificationContent.h"
+#include "zentrova/platform/notifications/UNNotificationRequest.h"
+#include "zentrova/reporting/ZVExtensionNetworkManager.h"
+#include "zentrova/service/ZVRichNotification.h"
+#include "zentrova/service/ZVRichNotificationHandler.h"
+#include "zentrova/store/ZVExtensionDataManager.h"
 
 namespace zvtest {
 

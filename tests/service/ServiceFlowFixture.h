@@ -11,10 +11,10 @@
 #include <string>
 #include <vector>
 
-#include "platform/foundation/Value.h"
 #include "support/LocalServer.h"
 #include "support/ProcessStateReset.h"
 #include "support/TestSupport.h"
+#include "zentrova/platform/foundation/Value.h"
 
 namespace zv {
 class UNNotificationContent;

@@ -4,12 +4,12 @@
 
 #include <boost/json/parse.hpp>
 
-#include "model/ZVPushPayload.h"
-#include "model/ZVRichNotifUtils.h"
-#include "model/ZVRichPush.h"
-#include "platform/defaults/UserDefaults.h"
-#include "store/ZVExtensionDataManager.h"
 #include "support/TestSupport.h"
+#include "zentrova/model/ZVPushPayload.h"
+#include "zentrova/model/ZVRichNotifUtils.h"
+#include "zentrova/model/ZVRichPush.h"
+#include "zentrova/platform/defaults/UserDefaults.h"
+#include "zentrova/store/ZVExtensionDataManager.h"
 
 namespace zv {
 namespace {

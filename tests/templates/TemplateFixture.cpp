@@ -2,20 +2,20 @@
 
 #include <fstream>
 
-#include "model/ZVRichNotifUtils.h"
-#include "platform/Platform.h"
-#include "platform/foundation/Error.h"
-#include "platform/foundation/Url.h"
-#include "platform/graphics/PngWriter.h"
-#include "platform/notifications/UNMutableNotificationContent.h"
-#include "platform/notifications/UNNotification.h"
-#include "platform/notifications/UNNotificationAttachment.h"
-#include "platform/notifications/UNNotificationRequest.h"
-#include "platform/ui/NSBundle.h"
-#include "resources/ZVInterfaceFiles.h"
-#include "store/ZVExtensionDataManager.h"
 #include "support/GifBytes.h"
-#include "templates/ZVPushTemplateHandler.h"
+#include "zentrova/model/ZVRichNotifUtils.h"
+#include "zentrova/platform/Platform.h"
+#include "zentrova/platform/foundation/Error.h"
+#include "zentrova/platform/foundation/Url.h"
+#include "zentrova/platform/graphics/PngWriter.h"
+#include "zentrova/platform/notifications/UNMutableNotificationContent.h"
+#include "zentrova/platform/notifications/UNNotification.h"
+#include "zentrova/platform/notifications/UNNotificationAttachment.h"
+#include "zentrova/platform/notifications/UNNotificationRequest.h"
+#include "zentrova/platform/ui/NSBundle.h"
+#include "zentrova/resources/ZVInterfaceFiles.h"
+#include "zentrova/store/ZVExtensionDataManager.h"
+#include "zentrova/templates/ZVPushTemplateHandler.h"
 
 namespace zvtest {
 

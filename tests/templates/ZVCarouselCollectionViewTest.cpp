@@ -1,9 +1,9 @@
-#include "platform/defaults/UserDefaults.h"
-#include "platform/foundation/Url.h"
-#include "platform/ui/UIScreen.h"
-#include "platform/ui/UITapGestureRecognizer.h"
 #include "templates/TemplateFixture.h"
-#include "templates/ZVCarouselCollectionView.h"
+#include "zentrova/platform/defaults/UserDefaults.h"
+#include "zentrova/platform/foundation/Url.h"
+#include "zentrova/platform/ui/UIScreen.h"
+#include "zentrova/platform/ui/UITapGestureRecognizer.h"
+#include "zentrova/templates/ZVCarouselCollectionView.h"
 
 namespace zvtest {
 namespace {

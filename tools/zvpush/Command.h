@@ -8,6 +8,7 @@
 #include <functional>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace zvpush {
@@ -35,6 +36,10 @@ constexpr int kUsage = 2;
 
 // Prints "zvpush: <message>" on stderr and returns kUsage.
 int usageError(const std::string& message);
+
+// The libraries this program runs on, for --version: the service side's in zvpush, the content
+// side's too in zvpush-content.
+std::vector<std::pair<std::string, std::string>> libraryVersions();
 
 }  // namespace zvpush
 

@@ -2,11 +2,11 @@
 
 #include <fmt/format.h>
 
-#include "model/ZVMedia.h"
-#include "platform/net/UrlSession.h"
-#include "platform/net/UrlSessionTask.h"
-#include "platform/notifications/UNMutableNotificationContent.h"
-#include "platform/notifications/UNNotificationAttachment.h"
+#include "zentrova/model/ZVMedia.h"
+#include "zentrova/platform/net/UrlSession.h"
+#include "zentrova/platform/net/UrlSessionTask.h"
+#include "zentrova/platform/notifications/UNMutableNotificationContent.h"
+#include "zentrova/platform/notifications/UNNotificationAttachment.h"
 
 namespace zvpush {
 

@@ -16,7 +16,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/net/UrlSessionObserver.h"
+#include "zentrova/platform/net/UrlSessionObserver.h"
 
 namespace zv {
 class ZVMedia;

@@ -13,10 +13,10 @@
 #include "Command.h"
 #include "JsonIO.h"
 #ifdef ZVPUSH_CONTENT
-#include "platform/graphics/CGImageSource.h"
-#include "platform/graphics/ImageDecoder.h"
-#include "platform/graphics/PngWriter.h"
-#include "templates/ZVRichPushGif.h"
+#include "zentrova/platform/graphics/CGImageSource.h"
+#include "zentrova/platform/graphics/ImageDecoder.h"
+#include "zentrova/platform/graphics/PngWriter.h"
+#include "zentrova/templates/ZVRichPushGif.h"
 #else
 #include "ContentProgram.h"
 #endif

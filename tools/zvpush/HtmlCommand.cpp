@@ -12,18 +12,18 @@
 #include "ArgParser.h"
 #include "Command.h"
 #include "JsonIO.h"
-#include "model/ZVRichNotifUtils.h"
-#include "platform/Platform.h"
-#include "platform/foundation/Exception.h"
-#include "platform/foundation/Log.h"
-#include "platform/text/HtmlImporter.h"
+#include "zentrova/model/ZVRichNotifUtils.h"
+#include "zentrova/platform/Platform.h"
+#include "zentrova/platform/foundation/Exception.h"
+#include "zentrova/platform/foundation/Log.h"
+#include "zentrova/platform/text/HtmlImporter.h"
 #ifdef ZVPUSH_CONTENT
-#include "platform/text/PangoTextMeasurer.h"
+#include "zentrova/platform/text/PangoTextMeasurer.h"
 #else
 #include "ContentProgram.h"
 #endif
-#include "platform/text/StyledText.h"
-#include "platform/text/Utf16.h"
+#include "zentrova/platform/text/StyledText.h"
+#include "zentrova/platform/text/Utf16.h"
 
 namespace zvpush {
 

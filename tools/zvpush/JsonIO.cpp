@@ -13,7 +13,7 @@
 #include <sstream>
 
 #include "ArgParser.h"
-#include "platform/foundation/Exception.h"
+#include "zentrova/platform/foundation/Exception.h"
 
 namespace zvpush {
 

@@ -5,7 +5,7 @@
 #include <boost/json/value.hpp>
 #include <string>
 
-#include "platform/foundation/Value.h"
+#include "zentrova/platform/foundation/Value.h"
 
 namespace zvpush {
 

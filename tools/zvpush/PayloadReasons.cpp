@@ -6,16 +6,16 @@
 #include <optional>
 #include <string>
 
-#include "model/ModelParts.h"
-#include "model/PayloadKeys.h"
-#include "model/ZVMedia.h"
-#include "model/ZVPushAction.h"
-#include "model/ZVPushCard.h"
-#include "model/ZVPushPayload.h"
-#include "model/ZVPushWidget.h"
-#include "model/ZVRichPush.h"
-#include "model/ZVRichPushMode.h"
-#include "platform/foundation/Exception.h"
+#include "zentrova/model/ModelParts.h"
+#include "zentrova/model/PayloadKeys.h"
+#include "zentrova/model/ZVMedia.h"
+#include "zentrova/model/ZVPushAction.h"
+#include "zentrova/model/ZVPushCard.h"
+#include "zentrova/model/ZVPushPayload.h"
+#include "zentrova/model/ZVPushWidget.h"
+#include "zentrova/model/ZVRichPush.h"
+#include "zentrova/model/ZVRichPushMode.h"
+#include "zentrova/platform/foundation/Exception.h"
 
 namespace zvpush {
 

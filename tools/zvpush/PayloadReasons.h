@@ -7,8 +7,8 @@
 
 #include <boost/json/array.hpp>
 
-#include "platform/foundation/Value.h"
-#include "service/ServicePlan.h"
+#include "zentrova/platform/foundation/Value.h"
+#include "zentrova/service/ServicePlan.h"
 
 namespace zvpush {
 

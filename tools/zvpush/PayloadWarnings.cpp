@@ -3,7 +3,7 @@
 #include <boost/json/object.hpp>
 #include <regex>
 
-#include "platform/foundation/Url.h"
+#include "zentrova/platform/foundation/Url.h"
 
 namespace zvpush {
 

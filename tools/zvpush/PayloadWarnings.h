@@ -6,7 +6,7 @@
 #include <boost/json/array.hpp>
 #include <string>
 
-#include "platform/foundation/Value.h"
+#include "zentrova/platform/foundation/Value.h"
 
 namespace zvpush {
 

@@ -3,16 +3,16 @@
 
 #include <boost/json.hpp>
 
-#include "platform/graphics/UIImage.h"
-#include "platform/media/AVPlayerLayer.h"
-#include "platform/text/StyledText.h"
-#include "platform/ui/UICollectionView.h"
-#include "platform/ui/UIColor.h"
-#include "platform/ui/UIImageView.h"
-#include "platform/ui/UILabel.h"
-#include "platform/ui/UIPageControl.h"
-#include "templates/ZVCarouselCollectionView.h"
-#include "templates/ZVPushBodyView.h"
+#include "zentrova/platform/graphics/UIImage.h"
+#include "zentrova/platform/media/AVPlayerLayer.h"
+#include "zentrova/platform/text/StyledText.h"
+#include "zentrova/platform/ui/UICollectionView.h"
+#include "zentrova/platform/ui/UIColor.h"
+#include "zentrova/platform/ui/UIImageView.h"
+#include "zentrova/platform/ui/UILabel.h"
+#include "zentrova/platform/ui/UIPageControl.h"
+#include "zentrova/templates/ZVCarouselCollectionView.h"
+#include "zentrova/templates/ZVPushBodyView.h"
 
 namespace zvpush {
 

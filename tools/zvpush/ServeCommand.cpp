@@ -32,7 +32,7 @@
 #include "ArgParser.h"
 #include "Command.h"
 #include "ContentProgram.h"
-#include "platform/foundation/Url.h"
+#include "zentrova/platform/foundation/Url.h"
 
 namespace zvpush {
 

@@ -5,10 +5,10 @@
 #include "ArgParser.h"
 #include "Command.h"
 #include "JsonIO.h"
-#include "platform/Platform.h"
-#include "platform/defaults/UserDefaults.h"
-#include "platform/foundation/ExactJson.h"
-#include "platform/foundation/Exception.h"
+#include "zentrova/platform/Platform.h"
+#include "zentrova/platform/defaults/UserDefaults.h"
+#include "zentrova/platform/foundation/ExactJson.h"
+#include "zentrova/platform/foundation/Exception.h"
 
 namespace zvpush {
 

@@ -7,6 +7,7 @@
 #include "ArgParser.h"
 #include "Command.h"
 #include "JsonIO.h"
+#include "zentrova/Version.h"
 
 namespace zvpush {
 
@@ -28,7 +29,7 @@ int usageError(const std::string& message) {
 namespace {
 
 void printHelp(std::ostream& out) {
-  out << "zvpush " ZV_VERSION
+  out << "zvpush " ZENTROVA_VERSION_STRING
          ": run the Zentrova rich-notification extensions on this machine.\n\n"
          "Usage:\n";
   for (const auto& [name, c] : commands()) out << "  zvpush " << c.usage << "\n";
@@ -76,7 +77,10 @@ int main(int argc, char** argv) {
     return finish(kOk);
   }
   if (args[0] == "--version") {
-    std::cout << "zvpush " ZV_VERSION "\n";
+    std::cout << "zvpush " ZENTROVA_VERSION_STRING "\n";
+    for (const auto& [name, version] : libraryVersions()) {
+      std::cout << "  " << name << " " << version << "\n";
+    }
     return finish(kOk);
   }
   if (args[0] == "help") {

@@ -1,4 +1,4 @@
-#include "platform/defaults/SqliteFile.h"
+#include "zentrova/platform/defaults/SqliteFile.h"
 
 #include <fcntl.h>
 #include <fmt/format.h>
@@ -9,8 +9,8 @@
 
 #include <ctime>
 
-#include "platform/foundation/Log.h"
-#include "platform/foundation/UniqueHandle.h"
+#include "zentrova/platform/foundation/Log.h"
+#include "zentrova/platform/foundation/UniqueHandle.h"
 
 namespace zv {
 

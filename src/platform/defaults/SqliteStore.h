@@ -27,9 +27,9 @@
 #include <string>
 #include <string_view>
 
-#include "platform/defaults/ValueCache.h"
-#include "platform/foundation/UniqueHandle.h"
-#include "platform/foundation/Value.h"
+#include "zentrova/platform/defaults/ValueCache.h"
+#include "zentrova/platform/foundation/UniqueHandle.h"
+#include "zentrova/platform/foundation/Value.h"
 
 namespace zv {
 

@@ -1,4 +1,4 @@
-#include "platform/defaults/StoredJson.h"
+#include "zentrova/platform/defaults/StoredJson.h"
 
 #include <fmt/format.h>
 
@@ -7,9 +7,9 @@
 #include <cmath>
 #include <vector>
 
-#include "platform/foundation/ExactJson.h"
-#include "platform/foundation/Exception.h"
-#include "platform/foundation/Url.h"
+#include "zentrova/platform/foundation/ExactJson.h"
+#include "zentrova/platform/foundation/Exception.h"
+#include "zentrova/platform/foundation/Url.h"
 
 namespace zv {
 

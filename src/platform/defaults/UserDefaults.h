@@ -22,7 +22,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/foundation/Value.h"
+#include "zentrova/platform/foundation/Value.h"
 
 namespace zv {
 

@@ -1,4 +1,4 @@
-#include "platform/defaults/ValueCache.h"
+#include "zentrova/platform/defaults/ValueCache.h"
 
 namespace zv {
 

@@ -1,4 +1,4 @@
-#include "platform/foundation/Clock.h"
+#include "zentrova/platform/foundation/Clock.h"
 
 #include <chrono>
 #include <cmath>

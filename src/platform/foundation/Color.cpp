@@ -1,4 +1,4 @@
-#include "platform/foundation/Color.h"
+#include "zentrova/platform/foundation/Color.h"
 
 namespace zv {
 

@@ -1,4 +1,4 @@
-#include "platform/foundation/Error.h"
+#include "zentrova/platform/foundation/Error.h"
 
 #include <fmt/format.h>
 

@@ -1,4 +1,4 @@
-#include "platform/foundation/Exception.h"
+#include "zentrova/platform/foundation/Exception.h"
 
 #include <utility>
 

@@ -7,7 +7,7 @@
 #include <exception>
 #include <string>
 
-#include "platform/foundation/Value.h"
+#include "zentrova/platform/foundation/Value.h"
 
 namespace zv {
 

@@ -7,8 +7,8 @@
 
 #include <filesystem>
 
-#include "platform/foundation/Error.h"
-#include "platform/foundation/Url.h"
+#include "zentrova/platform/foundation/Error.h"
+#include "zentrova/platform/foundation/Url.h"
 
 namespace zv {
 

@@ -1,4 +1,4 @@
-#include "platform/foundation/Log.h"
+#include "zentrova/platform/foundation/Log.h"
 
 #include <cstdio>
 #include <memory>

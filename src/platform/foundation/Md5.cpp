@@ -1,4 +1,4 @@
-#include "platform/foundation/Md5.h"
+#include "zentrova/platform/foundation/Md5.h"
 
 #include <openssl/evp.h>
 

@@ -1,4 +1,4 @@
-#include "platform/foundation/SystemVersion.h"
+#include "zentrova/platform/foundation/SystemVersion.h"
 
 #include <atomic>
 

@@ -1,4 +1,4 @@
-#include "platform/foundation/Url.h"
+#include "zentrova/platform/foundation/Url.h"
 
 #include <unistd.h>
 
@@ -7,7 +7,7 @@
 #include <boost/url/parse.hpp>
 #include <system_error>
 
-#include "platform/foundation/Exception.h"
+#include "zentrova/platform/foundation/Exception.h"
 
 namespace zv {
 

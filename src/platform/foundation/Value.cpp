@@ -1,4 +1,4 @@
-#include "platform/foundation/Value.h"
+#include "zentrova/platform/foundation/Value.h"
 
 #include <fmt/format.h>
 
@@ -7,8 +7,8 @@
 #include <cmath>
 #include <limits>
 
-#include "platform/foundation/ExactJson.h"
-#include "platform/foundation/Exception.h"
+#include "zentrova/platform/foundation/ExactJson.h"
+#include "zentrova/platform/foundation/Exception.h"
 
 namespace zv {
 

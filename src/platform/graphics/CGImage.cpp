@@ -1,4 +1,4 @@
-#include "platform/graphics/CGImage.h"
+#include "zentrova/platform/graphics/CGImage.h"
 
 namespace zv {
 

@@ -8,7 +8,7 @@
 #include <memory>
 #include <mutex>
 
-#include "platform/graphics/PixelBuffer.h"
+#include "zentrova/platform/graphics/PixelBuffer.h"
 
 namespace zv {
 

@@ -1,10 +1,10 @@
-#include "platform/graphics/CGImageSource.h"
+#include "zentrova/platform/graphics/CGImageSource.h"
 
 #include <fstream>
 #include <iterator>
 
-#include "platform/graphics/GifDecoder.h"
-#include "platform/graphics/ImageDecoder.h"
+#include "zentrova/platform/graphics/GifDecoder.h"
+#include "zentrova/platform/graphics/ImageDecoder.h"
 
 namespace zv {
 

@@ -19,8 +19,8 @@
 #include <memory>
 #include <string>
 
-#include "platform/foundation/Value.h"
-#include "platform/graphics/CGImage.h"
+#include "zentrova/platform/foundation/Value.h"
+#include "zentrova/platform/graphics/CGImage.h"
 
 namespace zv {
 

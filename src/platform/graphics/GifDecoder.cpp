@@ -1,4 +1,4 @@
-#include "platform/graphics/GifDecoder.h"
+#include "zentrova/platform/graphics/GifDecoder.h"
 
 #include <algorithm>
 #include <array>

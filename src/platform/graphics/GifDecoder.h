@@ -19,7 +19,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/graphics/PixelBuffer.h"
+#include "zentrova/platform/graphics/PixelBuffer.h"
 
 namespace zv {
 

@@ -1,6 +1,6 @@
-#include "platform/graphics/ImageDecoder.h"
+#include "zentrova/platform/graphics/ImageDecoder.h"
 
-#include "platform/graphics/GifDecoder.h"
+#include "zentrova/platform/graphics/GifDecoder.h"
 
 namespace zv {
 

@@ -10,7 +10,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/graphics/PixelBuffer.h"
+#include "zentrova/platform/graphics/PixelBuffer.h"
 
 namespace zv {
 

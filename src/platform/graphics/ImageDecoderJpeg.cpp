@@ -7,7 +7,7 @@
 // jpeglib.h needs size_t and FILE declared first.
 #include <jpeglib.h>
 
-#include "platform/graphics/ImageDecoder.h"
+#include "zentrova/platform/graphics/ImageDecoder.h"
 
 namespace zv {
 

@@ -4,8 +4,8 @@
 
 #include <cstring>
 
-#include "platform/foundation/UniqueHandle.h"
-#include "platform/graphics/ImageDecoder.h"
+#include "zentrova/platform/foundation/UniqueHandle.h"
+#include "zentrova/platform/graphics/ImageDecoder.h"
 
 namespace zv {
 

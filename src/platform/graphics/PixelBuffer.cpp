@@ -1,4 +1,4 @@
-#include "platform/graphics/PixelBuffer.h"
+#include "zentrova/platform/graphics/PixelBuffer.h"
 
 #include <new>
 

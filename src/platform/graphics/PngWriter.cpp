@@ -1,8 +1,8 @@
-#include "platform/graphics/PngWriter.h"
+#include "zentrova/platform/graphics/PngWriter.h"
 
 #include <cairo.h>
 
-#include "platform/foundation/UniqueHandle.h"
+#include "zentrova/platform/foundation/UniqueHandle.h"
 
 namespace zv {
 

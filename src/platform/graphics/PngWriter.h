@@ -4,7 +4,7 @@
 
 #include <filesystem>
 
-#include "platform/graphics/PixelBuffer.h"
+#include "zentrova/platform/graphics/PixelBuffer.h"
 
 namespace zv {
 

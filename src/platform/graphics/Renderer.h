@@ -10,8 +10,8 @@
 #include <filesystem>
 #include <memory>
 
-#include "platform/foundation/Geometry.h"
-#include "platform/graphics/PixelBuffer.h"
+#include "zentrova/platform/foundation/Geometry.h"
+#include "zentrova/platform/graphics/PixelBuffer.h"
 
 typedef struct _cairo cairo_t;
 typedef struct _PangoFontMap PangoFontMap;

@@ -1,9 +1,9 @@
-#include "platform/graphics/UIImage.h"
+#include "zentrova/platform/graphics/UIImage.h"
 
 #include <fstream>
 #include <iterator>
 
-#include "platform/graphics/ImageDecoder.h"
+#include "zentrova/platform/graphics/ImageDecoder.h"
 
 namespace zv {
 

@@ -10,8 +10,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/foundation/Geometry.h"
-#include "platform/graphics/CGImage.h"
+#include "zentrova/platform/foundation/Geometry.h"
+#include "zentrova/platform/graphics/CGImage.h"
 
 namespace zv {
 

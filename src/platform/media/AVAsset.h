@@ -5,8 +5,8 @@
 
 #include <memory>
 
-#include "platform/foundation/Geometry.h"
-#include "platform/foundation/Url.h"
+#include "zentrova/platform/foundation/Geometry.h"
+#include "zentrova/platform/foundation/Url.h"
 
 namespace zv {
 

@@ -1,8 +1,8 @@
-#include "platform/media/AVPlayer.h"
+#include "zentrova/platform/media/AVPlayer.h"
 
 #include <algorithm>
 
-#include "platform/ui/RunLoop.h"
+#include "zentrova/platform/ui/RunLoop.h"
 
 namespace zv {
 

@@ -7,7 +7,7 @@
 
 #include <memory>
 
-#include "platform/media/AVPlayerItem.h"
+#include "zentrova/platform/media/AVPlayerItem.h"
 
 namespace zv {
 

@@ -3,7 +3,7 @@
 
 #include <memory>
 
-#include "platform/media/AVAsset.h"
+#include "zentrova/platform/media/AVAsset.h"
 
 namespace zv {
 

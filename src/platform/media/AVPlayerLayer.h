@@ -5,8 +5,8 @@
 
 #include <memory>
 
-#include "platform/media/AVPlayer.h"
-#include "platform/ui/CALayer.h"
+#include "zentrova/platform/media/AVPlayer.h"
+#include "zentrova/platform/ui/CALayer.h"
 
 namespace zv {
 

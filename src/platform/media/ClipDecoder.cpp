@@ -1,4 +1,4 @@
-#include "platform/media/ClipDecoder.h"
+#include "zentrova/platform/media/ClipDecoder.h"
 
 extern "C" {
 #include <libavcodec/avcodec.h>

@@ -8,9 +8,9 @@
 #include <filesystem>
 #include <memory>
 
-#include "platform/foundation/Geometry.h"
-#include "platform/foundation/UniqueHandle.h"
-#include "platform/graphics/PixelBuffer.h"
+#include "zentrova/platform/foundation/Geometry.h"
+#include "zentrova/platform/foundation/UniqueHandle.h"
+#include "zentrova/platform/graphics/PixelBuffer.h"
 
 struct AVFormatContext;
 struct AVCodecContext;

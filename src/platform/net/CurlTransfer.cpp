@@ -1,4 +1,4 @@
-#include "platform/net/CurlTransfer.h"
+#include "zentrova/platform/net/CurlTransfer.h"
 
 #include <fmt/format.h>
 #include <openssl/err.h>
@@ -13,7 +13,8 @@
 #include <string_view>
 #include <system_error>
 
-#include "platform/foundation/Log.h"
+#include "zentrova/Version.h"
+#include "zentrova/platform/foundation/Log.h"
 
 namespace zv {
 
@@ -79,7 +80,7 @@ bool CurlTransfer::configure(const UrlSessionConfiguration& configuration, Error
   curl_easy_setopt(easy_.get(), CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_2TLS));
   curl_easy_setopt(easy_.get(), CURLOPT_ACCEPT_ENCODING, "");
   curl_easy_setopt(easy_.get(), CURLOPT_TCP_KEEPALIVE, 1L);
-  curl_easy_setopt(easy_.get(), CURLOPT_USERAGENT, "zentrova/" ZV_VERSION);
+  curl_easy_setopt(easy_.get(), CURLOPT_USERAGENT, "zentrova/" ZENTROVA_VERSION_STRING);
   // The extra CA is added to each connection's certificate store; a store shared between
   // connections would keep it for connections that must not trust it.
   curl_easy_setopt(easy_.get(), CURLOPT_CA_CACHE_TIMEOUT, 0L);

@@ -15,11 +15,11 @@
 #include <optional>
 #include <string>
 
-#include "platform/foundation/Error.h"
-#include "platform/foundation/UniqueHandle.h"
-#include "platform/net/HttpUrlResponse.h"
-#include "platform/net/UrlSessionConfiguration.h"
-#include "platform/net/UrlSessionTask.h"
+#include "zentrova/platform/foundation/Error.h"
+#include "zentrova/platform/foundation/UniqueHandle.h"
+#include "zentrova/platform/net/HttpUrlResponse.h"
+#include "zentrova/platform/net/UrlSessionConfiguration.h"
+#include "zentrova/platform/net/UrlSessionTask.h"
 
 namespace zv {
 

@@ -1,8 +1,8 @@
-#include "platform/net/HttpUrlResponse.h"
+#include "zentrova/platform/net/HttpUrlResponse.h"
 
 #include <fmt/format.h>
 
-#include "platform/net/UrlRequest.h"
+#include "zentrova/platform/net/UrlRequest.h"
 
 namespace zv {
 

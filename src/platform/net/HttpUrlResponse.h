@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/foundation/Url.h"
+#include "zentrova/platform/foundation/Url.h"
 
 namespace zv {
 

@@ -1,10 +1,10 @@
-#include "platform/net/SessionEngine.h"
+#include "zentrova/platform/net/SessionEngine.h"
 
 #include <algorithm>
 #include <chrono>
 #include <new>
 
-#include "platform/net/UrlSession.h"
+#include "zentrova/platform/net/UrlSession.h"
 
 namespace zv {
 

@@ -16,10 +16,10 @@
 #include <unordered_map>
 #include <vector>
 
-#include "platform/foundation/UniqueHandle.h"
-#include "platform/net/CurlTransfer.h"
-#include "platform/net/UrlSessionConfiguration.h"
-#include "platform/net/UrlSessionTask.h"
+#include "zentrova/platform/foundation/UniqueHandle.h"
+#include "zentrova/platform/net/CurlTransfer.h"
+#include "zentrova/platform/net/UrlSessionConfiguration.h"
+#include "zentrova/platform/net/UrlSessionTask.h"
 
 namespace zv {
 

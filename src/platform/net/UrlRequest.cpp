@@ -1,4 +1,4 @@
-#include "platform/net/UrlRequest.h"
+#include "zentrova/platform/net/UrlRequest.h"
 
 #include <algorithm>
 #include <cctype>

@@ -15,10 +15,10 @@
 #include <memory>
 #include <optional>
 
-#include "platform/foundation/Url.h"
-#include "platform/net/UrlRequest.h"
-#include "platform/net/UrlSessionConfiguration.h"
-#include "platform/net/UrlSessionTask.h"
+#include "zentrova/platform/foundation/Url.h"
+#include "zentrova/platform/net/UrlRequest.h"
+#include "zentrova/platform/net/UrlSessionConfiguration.h"
+#include "zentrova/platform/net/UrlSessionTask.h"
 
 namespace zv {
 

@@ -9,9 +9,9 @@
 #include <memory>
 #include <string>
 
-#include "platform/foundation/FileManager.h"
-#include "platform/net/UrlRequest.h"
-#include "platform/net/UrlSessionObserver.h"
+#include "zentrova/platform/foundation/FileManager.h"
+#include "zentrova/platform/net/UrlRequest.h"
+#include "zentrova/platform/net/UrlSessionObserver.h"
 
 namespace zv {
 

@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "platform/foundation/Error.h"
+#include "zentrova/platform/foundation/Error.h"
 
 namespace zv {
 

@@ -10,10 +10,10 @@
 #include <optional>
 #include <string>
 
-#include "platform/foundation/Error.h"
-#include "platform/foundation/Url.h"
-#include "platform/net/HttpUrlResponse.h"
-#include "platform/net/UrlRequest.h"
+#include "zentrova/platform/foundation/Error.h"
+#include "zentrova/platform/foundation/Url.h"
+#include "zentrova/platform/net/HttpUrlResponse.h"
+#include "zentrova/platform/net/UrlRequest.h"
 
 namespace zv {
 

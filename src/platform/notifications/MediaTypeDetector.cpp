@@ -1,4 +1,4 @@
-#include "platform/notifications/MediaTypeDetector.h"
+#include "zentrova/platform/notifications/MediaTypeDetector.h"
 
 #include <magic.h>
 

@@ -1,4 +1,4 @@
-#include "platform/notifications/NotificationCenter.h"
+#include "zentrova/platform/notifications/NotificationCenter.h"
 
 #include <fmt/format.h>
 

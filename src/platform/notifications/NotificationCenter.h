@@ -15,9 +15,9 @@
 #include <mutex>
 #include <vector>
 
-#include "platform/foundation/Clock.h"
-#include "platform/foundation/OperationQueue.h"
-#include "platform/notifications/UNNotification.h"
+#include "zentrova/platform/foundation/Clock.h"
+#include "zentrova/platform/foundation/OperationQueue.h"
+#include "zentrova/platform/notifications/UNNotification.h"
 
 namespace zv {
 

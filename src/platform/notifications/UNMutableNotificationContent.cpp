@@ -1,8 +1,8 @@
-#include "platform/notifications/UNMutableNotificationContent.h"
+#include "zentrova/platform/notifications/UNMutableNotificationContent.h"
 
 #include <fmt/format.h>
 
-#include "platform/foundation/Exception.h"
+#include "zentrova/platform/foundation/Exception.h"
 
 namespace zv {
 

@@ -3,7 +3,7 @@
 // (see UNNotificationContent).
 #pragma once
 
-#include "platform/notifications/UNNotificationContent.h"
+#include "zentrova/platform/notifications/UNNotificationContent.h"
 
 namespace zv {
 

@@ -1,4 +1,4 @@
-#include "platform/notifications/UNNotification.h"
+#include "zentrova/platform/notifications/UNNotification.h"
 
 namespace zv {
 

@@ -5,7 +5,7 @@
 
 #include <memory>
 
-#include "platform/notifications/UNNotificationRequest.h"
+#include "zentrova/platform/notifications/UNNotificationRequest.h"
 
 namespace zv {
 

@@ -11,9 +11,9 @@
 #include <memory>
 #include <string>
 
-#include "platform/foundation/Error.h"
-#include "platform/foundation/Url.h"
-#include "platform/foundation/Value.h"
+#include "zentrova/platform/foundation/Error.h"
+#include "zentrova/platform/foundation/Url.h"
+#include "zentrova/platform/foundation/Value.h"
 
 namespace zv {
 

@@ -1,6 +1,6 @@
-#include "platform/notifications/UNNotificationContent.h"
+#include "zentrova/platform/notifications/UNNotificationContent.h"
 
-#include "platform/notifications/UNMutableNotificationContent.h"
+#include "zentrova/platform/notifications/UNMutableNotificationContent.h"
 
 namespace zv {
 

@@ -13,9 +13,9 @@
 #include <string>
 #include <vector>
 
-#include "platform/foundation/Value.h"
-#include "platform/notifications/UNNotificationAttachment.h"
-#include "platform/notifications/UNNotificationSound.h"
+#include "zentrova/platform/foundation/Value.h"
+#include "zentrova/platform/notifications/UNNotificationAttachment.h"
+#include "zentrova/platform/notifications/UNNotificationSound.h"
 
 namespace zv {
 

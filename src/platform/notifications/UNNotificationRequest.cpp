@@ -1,6 +1,6 @@
-#include "platform/notifications/UNNotificationRequest.h"
+#include "zentrova/platform/notifications/UNNotificationRequest.h"
 
-#include "platform/notifications/UNMutableNotificationContent.h"
+#include "zentrova/platform/notifications/UNMutableNotificationContent.h"
 
 namespace zv {
 

@@ -6,8 +6,8 @@
 #include <memory>
 #include <string>
 
-#include "platform/foundation/Value.h"
-#include "platform/notifications/UNNotificationContent.h"
+#include "zentrova/platform/foundation/Value.h"
+#include "zentrova/platform/notifications/UNNotificationContent.h"
 
 namespace zv {
 

@@ -1,4 +1,4 @@
-#include "platform/notifications/UNNotificationSound.h"
+#include "zentrova/platform/notifications/UNNotificationSound.h"
 
 namespace zv {
 

@@ -1,4 +1,4 @@
-#include "platform/notifications/UNUserNotificationCenter.h"
+#include "zentrova/platform/notifications/UNUserNotificationCenter.h"
 
 namespace zv {
 

@@ -5,7 +5,7 @@
 
 #include <memory>
 
-#include "platform/notifications/NotificationCenter.h"
+#include "zentrova/platform/notifications/NotificationCenter.h"
 
 namespace zv {
 

@@ -5,9 +5,9 @@
 
 #include <string>
 
-#include "platform/foundation/Color.h"
-#include "platform/text/TextAttributes.h"
-#include "platform/text/TextTransform.h"
+#include "zentrova/platform/foundation/Color.h"
+#include "zentrova/platform/text/TextAttributes.h"
+#include "zentrova/platform/text/TextTransform.h"
 
 namespace zv {
 

@@ -1,4 +1,4 @@
-#include "platform/text/CssColor.h"
+#include "zentrova/platform/text/CssColor.h"
 
 #include <algorithm>
 #include <cmath>
@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/text/CssText.h"
+#include "zentrova/platform/text/CssText.h"
 
 namespace zv::css {
 

@@ -7,7 +7,7 @@
 #include <optional>
 #include <string_view>
 
-#include "platform/foundation/Color.h"
+#include "zentrova/platform/foundation/Color.h"
 
 namespace zv::css {
 

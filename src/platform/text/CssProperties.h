@@ -6,8 +6,8 @@
 #include <optional>
 #include <string_view>
 
-#include "platform/text/ComputedStyle.h"
-#include "platform/text/CssDeclarations.h"
+#include "zentrova/platform/text/ComputedStyle.h"
+#include "zentrova/platform/text/CssDeclarations.h"
 
 namespace zv::css {
 

@@ -1,9 +1,9 @@
-#include "platform/text/CssStyleSheet.h"
+#include "zentrova/platform/text/CssStyleSheet.h"
 
 #include <algorithm>
 #include <string>
 
-#include "platform/text/CssText.h"
+#include "zentrova/platform/text/CssText.h"
 
 namespace zv::css {
 

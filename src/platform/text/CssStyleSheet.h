@@ -9,8 +9,8 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/text/CssDeclarations.h"
-#include "platform/text/CssSelector.h"
+#include "zentrova/platform/text/CssDeclarations.h"
+#include "zentrova/platform/text/CssSelector.h"
 
 namespace zv::css {
 

@@ -1,4 +1,4 @@
-#include "platform/text/CssText.h"
+#include "zentrova/platform/text/CssText.h"
 
 #include <charconv>
 #include <cmath>

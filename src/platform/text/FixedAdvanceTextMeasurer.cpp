@@ -1,4 +1,4 @@
-#include "platform/text/FixedAdvanceTextMeasurer.h"
+#include "zentrova/platform/text/FixedAdvanceTextMeasurer.h"
 
 #include <algorithm>
 #include <vector>

@@ -4,7 +4,7 @@
 // a new line.
 #pragma once
 
-#include "platform/text/TextMeasurer.h"
+#include "zentrova/platform/text/TextMeasurer.h"
 
 namespace zv {
 

@@ -1,4 +1,4 @@
-#include "platform/text/Font.h"
+#include "zentrova/platform/text/Font.h"
 
 #include <fmt/format.h>
 

@@ -1,4 +1,4 @@
-#include "platform/text/HtmlDocument.h"
+#include "zentrova/platform/text/HtmlDocument.h"
 
 #include <cstddef>
 #include <cstdlib>

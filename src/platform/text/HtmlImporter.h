@@ -11,8 +11,8 @@
 #include <memory>
 #include <string_view>
 
-#include "platform/foundation/Error.h"
-#include "platform/text/StyledText.h"
+#include "zentrova/platform/foundation/Error.h"
+#include "zentrova/platform/text/StyledText.h"
 
 namespace zv {
 

@@ -12,8 +12,8 @@
 
 #include <string_view>
 
-#include "platform/text/ComputedStyle.h"
-#include "platform/text/StyledText.h"
+#include "zentrova/platform/text/ComputedStyle.h"
+#include "zentrova/platform/text/StyledText.h"
 
 namespace zv {
 

@@ -1,11 +1,11 @@
-#include "platform/text/PangoFontConfiguration.h"
+#include "zentrova/platform/text/PangoFontConfiguration.h"
 
 #include <fontconfig/fontconfig.h>
 #include <pango/pangocairo.h>
 #include <pango/pangofc-fontmap.h>
 
-#include "platform/foundation/Exception.h"
-#include "platform/foundation/UniqueHandle.h"
+#include "zentrova/platform/foundation/Exception.h"
+#include "zentrova/platform/foundation/UniqueHandle.h"
 
 namespace zv {
 

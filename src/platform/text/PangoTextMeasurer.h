@@ -23,8 +23,8 @@
 #include <string>
 #include <utility>
 
-#include "platform/foundation/UniqueHandle.h"
-#include "platform/text/TextMeasurer.h"
+#include "zentrova/platform/foundation/UniqueHandle.h"
+#include "zentrova/platform/text/TextMeasurer.h"
 
 typedef struct _PangoFontMap PangoFontMap;
 typedef struct _PangoContext PangoContext;

@@ -13,9 +13,9 @@
 
 #include <string_view>
 
-#include "platform/text/ComputedStyle.h"
-#include "platform/text/CssDeclarations.h"
-#include "platform/text/CssStyleSheet.h"
+#include "zentrova/platform/text/ComputedStyle.h"
+#include "zentrova/platform/text/CssDeclarations.h"
+#include "zentrova/platform/text/CssStyleSheet.h"
 
 namespace zv {
 

@@ -1,11 +1,11 @@
-#include "platform/text/StyledText.h"
+#include "zentrova/platform/text/StyledText.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 
-#include "platform/foundation/Exception.h"
-#include "platform/text/Utf16.h"
+#include "zentrova/platform/foundation/Exception.h"
+#include "zentrova/platform/text/Utf16.h"
 
 namespace zv {
 

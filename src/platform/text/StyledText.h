@@ -14,8 +14,8 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/text/Font.h"
-#include "platform/text/TextAttributes.h"
+#include "zentrova/platform/text/Font.h"
+#include "zentrova/platform/text/TextAttributes.h"
 
 namespace zv {
 

@@ -1,4 +1,4 @@
-#include "platform/text/TextAttributes.h"
+#include "zentrova/platform/text/TextAttributes.h"
 
 namespace zv {
 

@@ -8,7 +8,7 @@
 #include <string>
 #include <variant>
 
-#include "platform/foundation/Color.h"
+#include "zentrova/platform/foundation/Color.h"
 
 namespace zv {
 

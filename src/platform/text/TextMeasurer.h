@@ -10,7 +10,7 @@
 
 #include <string_view>
 
-#include "platform/text/Font.h"
+#include "zentrova/platform/text/Font.h"
 
 namespace zv {
 

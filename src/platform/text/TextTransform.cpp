@@ -1,4 +1,4 @@
-#include "platform/text/TextTransform.h"
+#include "zentrova/platform/text/TextTransform.h"
 
 namespace zv {
 

@@ -1,4 +1,4 @@
-#include "platform/text/Utf16.h"
+#include "zentrova/platform/text/Utf16.h"
 
 namespace zv {
 

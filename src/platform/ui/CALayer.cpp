@@ -1,4 +1,4 @@
-#include "platform/ui/CALayer.h"
+#include "zentrova/platform/ui/CALayer.h"
 
 #include <algorithm>
 

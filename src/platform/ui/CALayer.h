@@ -7,7 +7,7 @@
 #include <memory>
 #include <vector>
 
-#include "platform/foundation/Geometry.h"
+#include "zentrova/platform/foundation/Geometry.h"
 
 namespace zv {
 

@@ -1,12 +1,12 @@
-#include "platform/ui/LayoutEngine.h"
+#include "zentrova/platform/ui/LayoutEngine.h"
 
 #include <fmt/format.h>
 
 #include <cmath>
 
-#include "platform/foundation/Log.h"
-#include "platform/ui/NSLayoutConstraint.h"
-#include "platform/ui/UIView.h"
+#include "zentrova/platform/foundation/Log.h"
+#include "zentrova/platform/ui/NSLayoutConstraint.h"
+#include "zentrova/platform/ui/UIView.h"
 
 namespace zv {
 

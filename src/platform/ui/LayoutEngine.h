@@ -17,7 +17,7 @@
 #include <unordered_set>
 #include <vector>
 
-#include "platform/ui/SimplexSolver.h"
+#include "zentrova/platform/ui/SimplexSolver.h"
 
 namespace zv {
 

@@ -1,6 +1,6 @@
-#include "platform/ui/NSBundle.h"
+#include "zentrova/platform/ui/NSBundle.h"
 
-#include "platform/ui/UIView.h"
+#include "zentrova/platform/ui/UIView.h"
 
 namespace zv {
 

@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/foundation/Value.h"
+#include "zentrova/platform/foundation/Value.h"
 
 namespace zv {
 

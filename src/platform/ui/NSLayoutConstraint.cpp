@@ -1,13 +1,13 @@
-#include "platform/ui/NSLayoutConstraint.h"
+#include "zentrova/platform/ui/NSLayoutConstraint.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <cmath>
 
-#include "platform/foundation/Exception.h"
-#include "platform/ui/UIView.h"
-#include "platform/ui/VisualFormatParser.h"
+#include "zentrova/platform/foundation/Exception.h"
+#include "zentrova/platform/ui/UIView.h"
+#include "zentrova/platform/ui/VisualFormatParser.h"
 
 namespace zv {
 

@@ -1,4 +1,4 @@
-#include "platform/ui/NSTimer.h"
+#include "zentrova/platform/ui/NSTimer.h"
 
 #include <algorithm>
 #include <cmath>

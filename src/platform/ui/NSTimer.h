@@ -6,7 +6,7 @@
 #include <functional>
 #include <memory>
 
-#include "platform/ui/RunLoop.h"
+#include "zentrova/platform/ui/RunLoop.h"
 
 namespace zv {
 

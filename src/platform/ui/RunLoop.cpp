@@ -1,4 +1,4 @@
-#include "platform/ui/RunLoop.h"
+#include "zentrova/platform/ui/RunLoop.h"
 
 #include <algorithm>
 #include <chrono>
@@ -6,7 +6,7 @@
 #include <limits>
 #include <thread>
 
-#include "platform/ui/NSTimer.h"
+#include "zentrova/platform/ui/NSTimer.h"
 
 namespace zv {
 

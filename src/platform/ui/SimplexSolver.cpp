@@ -1,4 +1,4 @@
-#include "platform/ui/SimplexSolver.h"
+#include "zentrova/platform/ui/SimplexSolver.h"
 
 #include <algorithm>
 #include <cmath>

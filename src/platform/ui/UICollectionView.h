@@ -14,9 +14,9 @@
 #include <optional>
 #include <vector>
 
-#include "platform/ui/UICollectionViewCell.h"
-#include "platform/ui/UICollectionViewFlowLayout.h"
-#include "platform/ui/UIView.h"
+#include "zentrova/platform/ui/UICollectionViewCell.h"
+#include "zentrova/platform/ui/UICollectionViewFlowLayout.h"
+#include "zentrova/platform/ui/UIView.h"
 
 namespace zv {
 

@@ -1,4 +1,4 @@
-#include "platform/ui/UICollectionViewCell.h"
+#include "zentrova/platform/ui/UICollectionViewCell.h"
 
 namespace zv {
 

@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "platform/ui/UIView.h"
+#include "zentrova/platform/ui/UIView.h"
 
 namespace zv {
 

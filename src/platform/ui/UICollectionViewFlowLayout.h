@@ -3,7 +3,7 @@
 // edge), from the section inset's left.
 #pragma once
 
-#include "platform/foundation/Geometry.h"
+#include "zentrova/platform/foundation/Geometry.h"
 
 namespace zv {
 

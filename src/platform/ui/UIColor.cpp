@@ -1,4 +1,4 @@
-#include "platform/ui/UIColor.h"
+#include "zentrova/platform/ui/UIColor.h"
 
 namespace zv {
 

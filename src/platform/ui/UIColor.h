@@ -5,8 +5,8 @@
 // code keeps treating colours as plain RGBA values.
 #pragma once
 
-#include "platform/foundation/Color.h"
-#include "platform/ui/UITraitCollection.h"
+#include "zentrova/platform/foundation/Color.h"
+#include "zentrova/platform/ui/UITraitCollection.h"
 
 namespace zv {
 

@@ -1,8 +1,8 @@
-#include "platform/ui/UIImageView.h"
+#include "zentrova/platform/ui/UIImageView.h"
 
 #include <cmath>
 
-#include "platform/ui/RunLoop.h"
+#include "zentrova/platform/ui/RunLoop.h"
 
 namespace zv {
 

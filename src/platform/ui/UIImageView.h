@@ -8,7 +8,7 @@
 #include <optional>
 #include <vector>
 
-#include "platform/ui/UIView.h"
+#include "zentrova/platform/ui/UIView.h"
 
 namespace zv {
 

@@ -1,10 +1,10 @@
-#include "platform/ui/UILabel.h"
+#include "zentrova/platform/ui/UILabel.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
 
-#include "platform/ui/UIColor.h"
+#include "zentrova/platform/ui/UIColor.h"
 
 namespace zv {
 

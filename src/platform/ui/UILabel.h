@@ -8,10 +8,10 @@
 #include <memory>
 #include <string>
 
-#include "platform/text/Font.h"
-#include "platform/text/StyledText.h"
-#include "platform/text/TextMeasurer.h"
-#include "platform/ui/UIView.h"
+#include "zentrova/platform/text/Font.h"
+#include "zentrova/platform/text/StyledText.h"
+#include "zentrova/platform/text/TextMeasurer.h"
+#include "zentrova/platform/ui/UIView.h"
 
 namespace zv {
 

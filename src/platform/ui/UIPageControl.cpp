@@ -1,4 +1,4 @@
-#include "platform/ui/UIPageControl.h"
+#include "zentrova/platform/ui/UIPageControl.h"
 
 #include <algorithm>
 

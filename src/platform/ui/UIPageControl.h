@@ -2,7 +2,7 @@
 // page when asked to. The background style is kept for drawing. Main thread only.
 #pragma once
 
-#include "platform/ui/UIView.h"
+#include "zentrova/platform/ui/UIView.h"
 
 namespace zv {
 

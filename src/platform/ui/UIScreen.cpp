@@ -1,4 +1,4 @@
-#include "platform/ui/UIScreen.h"
+#include "zentrova/platform/ui/UIScreen.h"
 
 namespace zv {
 

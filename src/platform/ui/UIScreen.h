@@ -2,7 +2,7 @@
 // screen is process-wide and settable, so tests and the CLI can pick a phone size.
 #pragma once
 
-#include "platform/foundation/Geometry.h"
+#include "zentrova/platform/foundation/Geometry.h"
 
 namespace zv {
 

@@ -1,6 +1,6 @@
-#include "platform/ui/UITapGestureRecognizer.h"
+#include "zentrova/platform/ui/UITapGestureRecognizer.h"
 
-#include "platform/ui/UIView.h"
+#include "zentrova/platform/ui/UIView.h"
 
 namespace zv {
 

@@ -6,7 +6,7 @@
 #include <functional>
 #include <memory>
 
-#include "platform/foundation/Geometry.h"
+#include "zentrova/platform/foundation/Geometry.h"
 
 namespace zv {
 

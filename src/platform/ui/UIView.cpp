@@ -1,9 +1,9 @@
-#include "platform/ui/UIView.h"
+#include "zentrova/platform/ui/UIView.h"
 
 #include <algorithm>
 
-#include "platform/ui/LayoutEngine.h"
-#include "platform/ui/UITapGestureRecognizer.h"
+#include "zentrova/platform/ui/LayoutEngine.h"
+#include "zentrova/platform/ui/UITapGestureRecognizer.h"
 
 namespace zv {
 

@@ -10,11 +10,11 @@
 #include <string>
 #include <vector>
 
-#include "platform/foundation/Color.h"
-#include "platform/foundation/Geometry.h"
-#include "platform/ui/CALayer.h"
-#include "platform/ui/NSLayoutConstraint.h"
-#include "platform/ui/UITraitCollection.h"
+#include "zentrova/platform/foundation/Color.h"
+#include "zentrova/platform/foundation/Geometry.h"
+#include "zentrova/platform/ui/CALayer.h"
+#include "zentrova/platform/ui/NSLayoutConstraint.h"
+#include "zentrova/platform/ui/UITraitCollection.h"
 
 namespace zv {
 

@@ -1,4 +1,4 @@
-#include "platform/ui/UIViewController.h"
+#include "zentrova/platform/ui/UIViewController.h"
 
 namespace zv {
 

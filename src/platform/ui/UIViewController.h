@@ -5,9 +5,9 @@
 
 #include <memory>
 
-#include "platform/ui/NSExtensionContext.h"
-#include "platform/ui/UITraitCollection.h"
-#include "platform/ui/UIView.h"
+#include "zentrova/platform/ui/NSExtensionContext.h"
+#include "zentrova/platform/ui/UITraitCollection.h"
+#include "zentrova/platform/ui/UIView.h"
 
 namespace zv {
 

@@ -1,11 +1,11 @@
-#include "platform/ui/VisualFormatParser.h"
+#include "zentrova/platform/ui/VisualFormatParser.h"
 
 #include <cctype>
 #include <cmath>
 #include <cstdlib>
 
-#include "platform/foundation/Exception.h"
-#include "platform/ui/UIView.h"
+#include "zentrova/platform/foundation/Exception.h"
+#include "zentrova/platform/ui/UIView.h"
 
 namespace zv {
 

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/ui/NSLayoutConstraint.h"
+#include "zentrova/platform/ui/NSLayoutConstraint.h"
 
 namespace zv {
 

@@ -8,10 +8,10 @@
 #include <cmath>
 #include <fstream>
 
-#include "platform/defaults/UserDefaults.h"
-#include "platform/foundation/ExactJson.h"
-#include "platform/foundation/Exception.h"
 #include "support/TestSupport.h"
+#include "zentrova/platform/defaults/UserDefaults.h"
+#include "zentrova/platform/foundation/ExactJson.h"
+#include "zentrova/platform/foundation/Exception.h"
 
 namespace zv {
 namespace {

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "platform/foundation/Exception.h"
-#include "platform/foundation/Value.h"
+#include "zentrova/platform/foundation/Exception.h"
+#include "zentrova/platform/foundation/Value.h"
 
 namespace zv {
 namespace {

@@ -2,10 +2,10 @@
 
 #include <filesystem>
 
-#include "platform/graphics/CGImageSource.h"
-#include "platform/graphics/ImageDecoder.h"
 #include "support/GifBytes.h"
 #include "support/TestSupport.h"
+#include "zentrova/platform/graphics/CGImageSource.h"
+#include "zentrova/platform/graphics/ImageDecoder.h"
 
 namespace zv {
 namespace {

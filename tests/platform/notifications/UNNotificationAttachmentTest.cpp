@@ -2,8 +2,8 @@
 
 #include <fstream>
 
-#include "platform/notifications/UNNotificationAttachment.h"
 #include "support/TestSupport.h"
+#include "zentrova/platform/notifications/UNNotificationAttachment.h"
 
 namespace zv {
 namespace {

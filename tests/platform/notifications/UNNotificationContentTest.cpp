@@ -2,9 +2,9 @@
 
 #include <thread>
 
-#include "platform/foundation/Exception.h"
-#include "platform/notifications/UNMutableNotificationContent.h"
-#include "platform/notifications/UNNotificationRequest.h"
+#include "zentrova/platform/foundation/Exception.h"
+#include "zentrova/platform/notifications/UNMutableNotificationContent.h"
+#include "zentrova/platform/notifications/UNNotificationRequest.h"
 
 namespace zv {
 namespace {

@@ -3,9 +3,9 @@
 #include <future>
 #include <thread>
 
-#include "model/ZVRichNotifUtils.h"
-#include "platform/notifications/UNMutableNotificationContent.h"
-#include "platform/notifications/UNUserNotificationCenter.h"
+#include "zentrova/model/ZVRichNotifUtils.h"
+#include "zentrova/platform/notifications/UNMutableNotificationContent.h"
+#include "zentrova/platform/notifications/UNUserNotificationCenter.h"
 
 namespace zv {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "platform/text/CssColor.h"
+#include "zentrova/platform/text/CssColor.h"
 
 namespace zv::css {
 namespace {

@@ -3,10 +3,10 @@
 #include <string>
 #include <vector>
 
-#include "platform/foundation/Log.h"
-#include "platform/ui/LayoutEngine.h"
-#include "platform/ui/NSLayoutConstraint.h"
-#include "platform/ui/UIView.h"
+#include "zentrova/platform/foundation/Log.h"
+#include "zentrova/platform/ui/LayoutEngine.h"
+#include "zentrova/platform/ui/NSLayoutConstraint.h"
+#include "zentrova/platform/ui/UIView.h"
 
 namespace zv {
 namespace {

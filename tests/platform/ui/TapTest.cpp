@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "platform/ui/UITapGestureRecognizer.h"
-#include "platform/ui/UIView.h"
+#include "zentrova/platform/ui/UITapGestureRecognizer.h"
+#include "zentrova/platform/ui/UIView.h"
 
 namespace zv {
 namespace {

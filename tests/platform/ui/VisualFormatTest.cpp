@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
-#include "platform/foundation/Exception.h"
-#include "platform/ui/NSLayoutConstraint.h"
-#include "platform/ui/UIView.h"
+#include "zentrova/platform/foundation/Exception.h"
+#include "zentrova/platform/ui/NSLayoutConstraint.h"
+#include "zentrova/platform/ui/UIView.h"
 
 namespace zv {
 namespace {

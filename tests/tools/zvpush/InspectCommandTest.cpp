@@ -7,9 +7,9 @@
 #include <regex>
 #include <sstream>
 
-#include "platform/foundation/Value.h"
 #include "support/LocalServer.h"
 #include "support/TestSupport.h"
+#include "zentrova/platform/foundation/Value.h"
 
 namespace {
 

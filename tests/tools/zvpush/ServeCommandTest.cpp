@@ -7,9 +7,9 @@
 #include <cstdio>
 #include <fstream>
 
-#include "platform/foundation/Value.h"
 #include "support/TestCertificates.h"
 #include "support/TestSupport.h"
+#include "zentrova/platform/foundation/Value.h"
 
 namespace {
 

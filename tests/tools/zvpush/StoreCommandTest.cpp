@@ -5,8 +5,8 @@
 #include <cstdio>
 #include <fstream>
 
-#include "store/ZVExtensionDataManager.h"
 #include "support/TestSupport.h"
+#include "zentrova/store/ZVExtensionDataManager.h"
 
 namespace zv {
 namespace {

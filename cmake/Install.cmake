@@ -1,0 +1,38 @@
+# cmake --install: the public headers under include/zentrova (the src/ layout kept below it, and
+# the generated Version.h), the two libraries, both programs, a CMake package
+# (find_package(zentrova 0.2) gives zentrova::service and zentrova::content) and a pkg-config file
+# per library. The build tree exports the same package, for a host built against it.
+include(CMakePackageConfigHelpers)
+set(zv_cmake_dir ${CMAKE_INSTALL_LIBDIR}/cmake/zentrova)
+
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/src/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zentrova
+        FILES_MATCHING PATTERN "*.h")
+install(FILES ${PROJECT_BINARY_DIR}/generated/zentrova/Version.h
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zentrova)
+install(TARGETS zv_service zv_content EXPORT zentrovaTargets
+        ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(TARGETS zvpush zvpush-content RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(EXPORT zentrovaTargets NAMESPACE zentrova:: DESTINATION ${zv_cmake_dir})
+
+configure_package_config_file(cmake/zentrovaConfig.cmake.in
+                              ${PROJECT_BINARY_DIR}/zentrovaConfig.cmake
+                              INSTALL_DESTINATION ${zv_cmake_dir})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/zentrovaConfigVersion.cmake
+                                 COMPATIBILITY SameMinorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/zentrovaConfig.cmake
+              ${PROJECT_BINARY_DIR}/zentrovaConfigVersion.cmake
+              ${PROJECT_SOURCE_DIR}/cmake/zentrovaDependencies.cmake DESTINATION ${zv_cmake_dir})
+
+# The build tree as a package: zentrova_DIR=<build folder>.
+export(EXPORT zentrovaTargets NAMESPACE zentrova:: FILE ${PROJECT_BINARY_DIR}/zentrovaTargets.cmake)
+configure_file(${PROJECT_SOURCE_DIR}/cmake/zentrovaDependencies.cmake
+               ${PROJECT_BINARY_DIR}/zentrovaDependencies.cmake COPYONLY)
+
+# The prefix is found from the .pc file's own place, so an installed tree can be moved.
+file(RELATIVE_PATH ZV_PC_TO_PREFIX /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+string(REGEX REPLACE "/$" "" ZV_PC_TO_PREFIX "${ZV_PC_TO_PREFIX}")
+foreach(lib IN ITEMS service content)
+  configure_file(cmake/zentrova-${lib}.pc.in ${PROJECT_BINARY_DIR}/zentrova-${lib}.pc @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/zentrova-${lib}.pc
+          DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+endforeach()
