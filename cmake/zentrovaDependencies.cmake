@@ -24,7 +24,8 @@ pkg_check_modules(ZV_GUMBO REQUIRED IMPORTED_TARGET gumbo)
 pkg_check_modules(ZV_MAGIC REQUIRED IMPORTED_TARGET libmagic)
 # The content library.
 pkg_check_modules(ZV_PANGO REQUIRED IMPORTED_TARGET pangocairo pangoft2 fontconfig cairo)
-pkg_check_modules(ZV_IMAGES REQUIRED IMPORTED_TARGET libpng libjpeg libwebp libwebpdemux)
+pkg_check_modules(ZV_IMAGES REQUIRED IMPORTED_TARGET libpng libjpeg libwebp libwebpdemux
+                  libwebpmux)
 pkg_check_modules(ZV_FFMPEG REQUIRED IMPORTED_TARGET libavformat libavcodec libavutil libswscale)
 # giflib ships no pkg-config file.
 if(NOT TARGET zentrova_giflib)

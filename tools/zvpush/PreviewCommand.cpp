@@ -1,7 +1,8 @@
 // zvpush preview: runs the content extension on a delivered notification (the output of zvpush
 // service, or a bare payload, which has no attachments) as the phone would show it expanded, lets
 // --at seconds of run-loop time pass, optionally taps a point, and draws the controller's view to a
-// PNG. Prints {"png", "size", "template", "tap"}; --tree writes the view tree as JSON.
+// PNG. Prints {"png", "size", "template", "tap"} (and "animation" with --animate, which draws the
+// notification over time into an animated WebP); --tree writes the view tree as JSON.
 #include <malloc.h>
 #include <stdlib.h>
 
@@ -23,6 +24,7 @@
 #include "zentrova/platform/foundation/FileManager.h"
 #include "zentrova/platform/foundation/SystemVersion.h"
 #include "zentrova/platform/graphics/Renderer.h"
+#include "zentrova/platform/graphics/WebPAnimationWriter.h"
 #include "zentrova/platform/notifications/UNMutableNotificationContent.h"
 #include "zentrova/platform/notifications/UNNotification.h"
 #include "zentrova/platform/notifications/UNNotificationAttachment.h"
@@ -57,6 +59,9 @@ struct Options {
   bool dark = false, contentHidden = false;
   std::optional<zv::CGPoint> tap;
   std::optional<std::string> tree, store, appGroup;
+  // --animate: the file, how long and how many frames a second.
+  std::optional<std::string> animate;
+  double duration = 10, fps = 10;
 };
 
 double positive(const ArgParser& p, const char* name, double fallback) {
@@ -68,14 +73,20 @@ double positive(const ArgParser& p, const char* name, double fallback) {
 
 Options parse(const Args& args) {
   ArgParser p({"-o", "--width", "--screen-height", "--scale", "--platform-version", "--at", "--tap",
-               "--tree", "--store", "--app-group"},
+               "--tree", "--store", "--app-group", "--animate", "--duration", "--fps"},
               {"--dark", "--default-content-hidden"});
   p.parse(args);
   if (p.positional().size() != 1) throw UsageError("preview needs one INPUT.json");
   Options o;
   o.input = p.positional()[0];
-  if (!p.value("-o")) throw UsageError("preview needs -o OUT.png");
-  o.output = *p.value("-o");
+  o.animate = p.value("--animate");
+  if (!p.value("-o") && !o.animate)
+    throw UsageError("preview needs -o OUT.png or --animate OUT.webp");
+  o.output = p.value("-o").value_or("");
+  o.duration = positive(p, "--duration", 10);
+  o.fps = positive(p, "--fps", 10);
+  if (o.duration > 600) throw UsageError("--duration is at most 600 seconds");
+  if (o.fps > 60) throw UsageError("--fps is at most 60");
   o.width = positive(p, "--width", 375);
   o.screenHeight = positive(p, "--screen-height", 812);
   o.scale = positive(p, "--scale", 2);
@@ -158,6 +169,30 @@ std::optional<std::string> templateOf(const zv::UIView& root) {
   return std::nullopt;
 }
 
+// The expanded notification over time: a frame every 1/fps seconds of run-loop time from now on
+// (the carousel pages, GIFs play, clips run), drawn and written as an animated WebP in which equal
+// frames in a row are one longer frame. The number of frames written, or nullopt on failure.
+std::optional<int> animate(const Options& o, zv::ManualRunLoop& loop, zv::UIView& root,
+                           const zv::Renderer& renderer) {
+  zv::WebPAnimationWriter writer;
+  const double start = loop.now();
+  const int count = std::max(1, static_cast<int>(std::lround(o.duration * o.fps)));
+  for (int i = 0; i < count; ++i) {
+    // Frame times are computed from the start, not summed, and nudged past rounding, so that a
+    // timer due at a frame's time has fired in that frame.
+    double target = start + i / o.fps + 1e-9;
+    if (target > loop.now()) loop.advance(target - loop.now());
+    root.layoutIfNeeded();
+    auto pixels = renderer.draw(root);
+    int ms = static_cast<int>(std::lround(i * 1000.0 / o.fps));
+    if (!pixels || !writer.add(*pixels, ms)) return std::nullopt;
+  }
+  if (!writer.finish(static_cast<int>(std::lround(o.duration * 1000)), *o.animate)) {
+    return std::nullopt;
+  }
+  return writer.frameCount();
+}
+
 int preview(const Options& o) {
   zv::Value input = readJsonObject(o.input);
 
@@ -223,7 +258,7 @@ int preview(const Options& o) {
   // the system before the pictures are decoded and drawn: the peak is the drawing's.
   malloc_trim(0);
   zv::Renderer renderer(o.scale);
-  if (!renderer.writePng(*root, o.output)) {
+  if (!o.output.empty() && !renderer.writePng(*root, o.output)) {
     std::cerr << "zvpush: cannot write " << o.output << "\n";
     return kFailure;
   }
@@ -237,11 +272,20 @@ int preview(const Options& o) {
   }
   auto kind = templateOf(*root);
   zv::CGSize size = root->frame().size;
-  std::cout << pretty(json::object{{"png", o.output},
-                                   {"size", json::array{size.width, size.height}},
-                                   {"template", kind ? json::value(*kind) : json::value(nullptr)},
-                                   {"tap", tap}})
-            << "\n";
+  json::object out{{"png", o.output.empty() ? json::value(nullptr) : json::value(o.output)},
+                   {"size", json::array{size.width, size.height}},
+                   {"template", kind ? json::value(*kind) : json::value(nullptr)},
+                   {"tap", tap}};
+  if (o.animate) {
+    auto frames = animate(o, *loop, *root, renderer);
+    if (!frames) {
+      std::cerr << "zvpush: cannot write " << *o.animate << "\n";
+      return kFailure;
+    }
+    out["animation"] = json::object{
+        {"webp", *o.animate}, {"frames", *frames}, {"duration", o.duration}, {"fps", o.fps}};
+  }
+  std::cout << pretty(out) << "\n";
   return kOk;
 }
 
@@ -257,23 +301,31 @@ int run(const Args& args) {
 
 }  // namespace
 
-ZVPUSH_COMMAND("preview", "render the expanded notification as the content extension shows it",
-               "preview INPUT.json -o OUT.png [--width 375] [--screen-height 812] [--scale 2] "
-               "[--dark] [--default-content-hidden] [--platform-version V] [--at SECONDS] "
-               "[--tap X,Y] [--tree FILE] [--store DIR --app-group ID]",
-               run,
-               "  INPUT.json               the output of zvpush service, or a bare payload\n"
-               "  -o OUT.png               where the picture goes (required)\n"
-               "  --width W                the controller's width in points (375)\n"
-               "  --screen-height H        the screen's height in points (812)\n"
-               "  --scale S                pixels per point (2)\n"
-               "  --dark                   dark style\n"
-               "  --default-content-hidden the host hides the system's text: the body view shows\n"
-               "  --platform-version V     the phone's system version (17.0)\n"
-               "  --at SECONDS             run-loop time that passes before drawing (0)\n"
-               "  --tap X,Y                tap that point after --at\n"
-               "  --tree FILE              also write the view tree as JSON\n"
-               "  --store DIR --app-group ID  the store a card click lands in (default: a scratch\n"
-               "                           store removed afterwards)\n");
+ZVPUSH_COMMAND(
+    "preview", "render the expanded notification as the content extension shows it",
+    "preview INPUT.json -o OUT.png [--width 375] [--screen-height 812] [--scale 2] "
+    "[--dark] [--default-content-hidden] [--platform-version V] [--at SECONDS] "
+    "[--tap X,Y] [--tree FILE] [--store DIR --app-group ID] "
+    "[--animate OUT.webp [--duration 10] [--fps 10]]",
+    run,
+    "  INPUT.json               the output of zvpush service, or a bare payload\n"
+    "  -o OUT.png               where the picture goes (required without --animate)\n"
+    "  --width W                the controller's width in points (375)\n"
+    "  --screen-height H        the screen's height in points (812)\n"
+    "  --scale S                pixels per point (2)\n"
+    "  --dark                   dark style\n"
+    "  --default-content-hidden the host hides the system's text: the body view shows\n"
+    "  --platform-version V     the phone's system version (17.0)\n"
+    "  --at SECONDS             run-loop time that passes before drawing (0)\n"
+    "  --tap X,Y                tap that point after --at\n"
+    "  --tree FILE              also write the view tree as JSON\n"
+    "  --store DIR --app-group ID  the store a card click lands in (default: a scratch\n"
+    "                           store removed afterwards)\n"
+    "  --animate OUT.webp       also (or, without -o, only) write the notification over\n"
+    "                           time as an animated WebP, from --at on: the carousel\n"
+    "                           paging, GIFs playing, a clip's first seconds; equal\n"
+    "                           frames in a row become one longer frame\n"
+    "  --duration S             the animation's length in seconds (10, at most 600)\n"
+    "  --fps N                  frames drawn per second of the animation (10, at most 60)\n");
 
 }  // namespace zvpush

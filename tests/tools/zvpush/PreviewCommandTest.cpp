@@ -1,6 +1,7 @@
 // zvpush preview, run as a process on delivered content made here (a payload and attachment files
 // as zvpush service leaves them): the stdout object, the --tree schema, time, taps and the store.
 #include <gtest/gtest.h>
+#include <webp/demux.h>
 
 #include <boost/json.hpp>
 #include <fstream>
@@ -129,6 +130,38 @@ TEST_F(PreviewCommandTest, ForeignNotificationsAndBadArguments) {
                {(dir.path() / "foreign.json").string() + png + " --store /tmp/x"},
                {(dir.path() / "foreign.json").string() + png + " --width -5"}};
   for (const auto& c : cases) run(c.args, 2);
+}
+
+// --animate on an automatic carousel: the animated WebP decodes (libwebp's demux) to a frame per
+// change: the first card for 3 s, then each page turn (a frame mid-scroll, then the card at rest)
+// every 3 s, ending at 10 s.
+TEST_F(PreviewCommandTest, AnimatesAnAutomaticCarouselIntoAWebP) {
+  auto webp = dir.path() / "c.webp";
+  json::value out = run(carousel(true) + " --animate " + webp.string());
+  EXPECT_EQ(out.at("png"), nullptr);
+  std::string bytes = readFile(webp);
+  WebPData data{reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()};
+  WebPAnimDecoderOptions options;
+  ASSERT_TRUE(WebPAnimDecoderOptionsInit(&options));
+  std::unique_ptr<WebPAnimDecoder, decltype(&WebPAnimDecoderDelete)> decoder(
+      WebPAnimDecoderNew(&data, &options), WebPAnimDecoderDelete);
+  ASSERT_TRUE(decoder);
+  WebPAnimInfo info;
+  ASSERT_TRUE(WebPAnimDecoderGetInfo(decoder.get(), &info));
+  EXPECT_EQ(info.canvas_width, 750u);
+  EXPECT_EQ(info.canvas_height, 500u);
+  std::vector<int> starts;
+  int end = 0;
+  while (WebPAnimDecoderHasMoreFrames(decoder.get())) {
+    std::uint8_t* pixels = nullptr;
+    int timestamp = 0;  // when the frame ends
+    ASSERT_TRUE(WebPAnimDecoderGetNext(decoder.get(), &pixels, &timestamp));
+    starts.push_back(end);
+    end = timestamp;
+  }
+  EXPECT_EQ(starts, (std::vector<int>{0, 3000, 3100, 6000, 6100, 9000, 9100}));
+  EXPECT_EQ(end, 10000);
+  EXPECT_EQ(out.at("animation").at("frames"), static_cast<std::int64_t>(starts.size()));
 }
 
 }  // namespace
