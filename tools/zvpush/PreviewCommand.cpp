@@ -16,6 +16,7 @@
 #include "Command.h"
 #include "JsonIO.h"
 #ifdef ZVPUSH_CONTENT
+#include "PreviewScene.h"
 #include "PreviewTree.h"
 #include "zentrova/platform/Platform.h"
 #include "zentrova/platform/defaults/UserDefaults.h"
@@ -55,9 +56,7 @@ namespace json = boost::json;
 
 struct Options {
   std::string input, output;
-  double width = 375, screenHeight = 812, scale = 2, platformVersion = 17.0, at = 0;
-  bool dark = false, contentHidden = false;
-  std::optional<zv::CGPoint> tap;
+  PreviewSettings settings;
   std::optional<std::string> tree, store, appGroup;
   // --animate: the file, how long and how many frames a second.
   std::optional<std::string> animate;
@@ -87,15 +86,16 @@ Options parse(const Args& args) {
   o.fps = positive(p, "--fps", 10);
   if (o.duration > 600) throw UsageError("--duration is at most 600 seconds");
   if (o.fps > 60) throw UsageError("--fps is at most 60");
-  o.width = positive(p, "--width", 375);
-  o.screenHeight = positive(p, "--screen-height", 812);
-  o.scale = positive(p, "--scale", 2);
-  if (o.scale > 8) throw UsageError("--scale is at most 8");
-  o.platformVersion = positive(p, "--platform-version", 17.0);
-  o.at = p.number("--at").value_or(0);
-  if (!(o.at >= 0 && o.at <= 86400)) throw UsageError("--at needs seconds from 0 to 86400");
-  o.dark = p.flag("--dark");
-  o.contentHidden = p.flag("--default-content-hidden");
+  o.settings.width = positive(p, "--width", 375);
+  o.settings.screenHeight = positive(p, "--screen-height", 812);
+  o.settings.scale = positive(p, "--scale", 2);
+  if (o.settings.scale > 8) throw UsageError("--scale is at most 8");
+  o.settings.platformVersion = positive(p, "--platform-version", 17.0);
+  o.settings.at = p.number("--at").value_or(0);
+  if (!(o.settings.at >= 0 && o.settings.at <= 86400))
+    throw UsageError("--at needs seconds from 0 to 86400");
+  o.settings.dark = p.flag("--dark");
+  o.settings.contentHidden = p.flag("--default-content-hidden");
   if (auto tap = p.value("--tap")) {
     double x = 0, y = 0;
     char comma = 0;
@@ -104,7 +104,7 @@ Options parse(const Args& args) {
         !std::isfinite(y)) {
       throw UsageError("--tap needs X,Y");
     }
-    o.tap = zv::CGPoint{x, y};
+    o.settings.tap = zv::CGPoint{x, y};
   }
   o.tree = p.value("--tree");
   o.store = p.value("--store");
@@ -113,33 +113,6 @@ Options parse(const Args& args) {
     throw UsageError("--store and --app-group go together");
   }
   return o;
-}
-
-// The delivered notification: the service's output (its "userInfo" and "attachments"), or a bare
-// payload without attachments. Attachments whose files are gone are left out, as the phone would.
-std::shared_ptr<zv::UNNotification> notificationOf(const zv::Value& input) {
-  bool delivered = input.get("userInfo").isObject();
-  zv::Value payload = delivered ? input.get("userInfo") : input;
-  std::string id = delivered && input.get("identifier").isString()
-                       ? std::string(input.get("identifier").string())
-                       : "zvpush-preview";
-  auto request = zv::UNNotificationRequest::requestWithRemoteNotification(id, payload);
-  if (delivered && input.get("attachments").isArray()) {
-    auto content = request->content()->mutableCopy();
-    std::vector<std::shared_ptr<zv::UNNotificationAttachment>> attachments;
-    for (const auto& a : input.get("attachments").elements()) {
-      if (!a.isObject() || !a.get("identifier").isString() || !a.get("url").isString()) continue;
-      auto url = zv::Url::parse(a.get("url").string());
-      if (!url) continue;
-      zv::Error error;
-      auto attachment = zv::UNNotificationAttachment::attachmentWithIdentifier(
-          std::string(a.get("identifier").string()), *url, zv::Value(), &error);
-      if (attachment) attachments.push_back(attachment);
-    }
-    content->setAttachments(attachments);
-    request = zv::UNNotificationRequest::requestWithIdentifier(id, content);
-  }
-  return zv::UNNotification::notificationWithRequest(request, 0);
 }
 
 // A folder of this run, removed when the run ends.
@@ -155,19 +128,6 @@ struct ScratchFolder {
     if (!path.empty()) std::filesystem::remove_all(path, ec);
   }
 };
-
-std::optional<std::string> templateOf(const zv::UIView& root) {
-  for (const auto& container : root.subviews()) {
-    if (container->name() != "containerView") continue;
-    for (const auto& view : container->subviews()) {
-      if (view->name() != "templateView") continue;
-      if (dynamic_cast<const zv::ZVPushMediaView*>(view.get())) return "media";
-      if (dynamic_cast<const zv::ZVCarouselCollectionView*>(view.get())) return "carousel";
-      return "empty";
-    }
-  }
-  return std::nullopt;
-}
 
 // The expanded notification over time: a frame every 1/fps seconds of run-loop time from now on
 // (the carousel pages, GIFs play, clips run), drawn and written as an animated WebP in which equal
@@ -196,25 +156,6 @@ std::optional<int> animate(const Options& o, zv::ManualRunLoop& loop, zv::UIView
 int preview(const Options& o) {
   zv::Value input = readJsonObject(o.input);
 
-  // The phone this preview stands for.
-  auto loop = std::make_shared<zv::ManualRunLoop>();
-  zv::RunLoop::setCurrent(loop);
-  zv::setSystemVersion(o.platformVersion);
-  zv::UIScreen::mainScreen().setBounds({{0, 0}, {o.width, o.screenHeight}});
-  zv::UIScreen::mainScreen().setScale(o.scale);
-  json::object attributes;
-  if (o.contentHidden) attributes["UNNotificationExtensionDefaultContentHidden"] = true;
-  zv::NSBundle::mainBundle().setInfoDictionary(zv::Value(
-      json::object{{"NSExtension", json::object{{"NSExtensionAttributes", attributes}}}}));
-  std::shared_ptr<zv::TextMeasurer> measurer;
-  try {
-    measurer = std::make_shared<zv::PangoTextMeasurer>();
-  } catch (const zv::Exception& e) {
-    std::cerr << "zvpush: " << e.reason() << "\n";
-    return kFailure;
-  }
-  zv::ZVInterfaceFiles::registerWithBundle(zv::NSBundle::mainBundle(), measurer);
-
   // Card clicks land in the given store, else in a scratch one that goes away with the run.
   std::optional<ScratchFolder> scratch;
   auto& platform = zv::Platform::shared();
@@ -226,38 +167,21 @@ int preview(const Options& o) {
     platform.setStoreDirectory(scratch->path);
     zv::ZVExtensionDataManager::sharedManager().setAppGroupID("group.zvpush.preview");
   }
-
-  auto controller = std::make_shared<zv::UIViewController>();
-  controller->setTraitCollection(zv::UITraitCollection::withStyle(
-      o.dark ? zv::UIUserInterfaceStyle::kDark : zv::UIUserInterfaceStyle::kLight));
-  controller->setView(zv::UIView::make({{0, 0}, {o.width, 0}}));
-  auto& handler = zv::ZVPushTemplateHandler::sharedInstance();
-  handler.addPushTemplateToController(controller, notificationOf(input));
-  const auto& root = controller->view();
-  root->layoutIfNeeded();
-
-  loop->advance(o.at);
-  root->layoutIfNeeded();  // cells a scroll brought into view take their places
-  json::value tap = nullptr;
-  if (o.tap) {
-    int actions = controller->extensionContext()->defaultActionCount();
-    auto store = zv::ZVExtensionDataManager::sharedManager().getZovUserDefaults();
-    if (store) store->removeObject("zov_push_template_click_info");
-    auto hit = root->hitTest(*o.tap);  // the deepest view under the point
-    zv::UITapGestureRecognizer::deliverTap(root, *o.tap);
-    zv::Value click = store ? store->objectForKey("zov_push_template_click_info") : zv::Value();
-    tap = json::object{
-        {"point", json::array{o.tap->x, o.tap->y}},
-        {"view", hit ? json::value(hit->className()) : json::value(nullptr)},
-        {"defaultAction", controller->extensionContext()->defaultActionCount() > actions},
-        {"cardClick", click.isNil() ? json::value(nullptr) : click.json()}};
-    root->layoutIfNeeded();
+  try {
+    PreviewScene::prepare();
+  } catch (const zv::Exception& e) {
+    std::cerr << "zvpush: " << e.reason() << "\n";
+    return kFailure;
   }
+  PreviewScene scene = PreviewScene::show(input, o.settings);
+  const auto& root = scene.root();
+  const auto& loop = scene.loop;
+  json::value tap = scene.tap;
 
   // What the layout read and let go (attachment bytes measured for their headers) goes back to
   // the system before the pictures are decoded and drawn: the peak is the drawing's.
   malloc_trim(0);
-  zv::Renderer renderer(o.scale);
+  zv::Renderer renderer(o.settings.scale);
   if (!o.output.empty() && !renderer.writePng(*root, o.output)) {
     std::cerr << "zvpush: cannot write " << o.output << "\n";
     return kFailure;
@@ -270,7 +194,7 @@ int preview(const Options& o) {
       return kFailure;
     }
   }
-  auto kind = templateOf(*root);
+  auto kind = scene.templateKind();
   zv::CGSize size = root->frame().size;
   json::object out{{"png", o.output.empty() ? json::value(nullptr) : json::value(o.output)},
                    {"size", json::array{size.width, size.height}},
