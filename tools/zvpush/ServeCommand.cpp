@@ -6,6 +6,8 @@
 // and SIGTERM stop the server; the exit code is then 0.
 #ifdef ZVPUSH_CONTENT
 #include <httplib.h>
+
+#include "LocalHttp.h"
 #endif
 #include <pthread.h>
 #include <signal.h>
@@ -47,32 +49,6 @@ namespace json = boost::json;
 constexpr std::size_t kWorkers = 32;
 constexpr std::size_t kChunk = 64 * 1024;
 
-std::string contentTypeFor(const fs::path& file) {
-  static const std::map<std::string, std::string> types = {
-      {".png", "image/png"},  {".jpg", "image/jpeg"},      {".jpeg", "image/jpeg"},
-      {".gif", "image/gif"},  {".webp", "image/webp"},     {".svg", "image/svg+xml"},
-      {".mp3", "audio/mpeg"}, {".m4a", "audio/mp4"},       {".wav", "audio/wav"},
-      {".mp4", "video/mp4"},  {".mov", "video/quicktime"}, {".json", "application/json"},
-      {".txt", "text/plain"}, {".html", "text/html"},      {".css", "text/css"},
-  };
-  std::string ext = file.extension().string();
-  std::transform(ext.begin(), ext.end(), ext.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  auto it = types.find(ext);
-  return it == types.end() ? "application/octet-stream" : it->second;
-}
-
-// The regular file that a (decoded) request path names under root, or nullopt when there is none
-// or when the path, after resolving ".." and symbolic links, leads outside root.
-std::optional<fs::path> resolve(const fs::path& root, const std::string& requestPath) {
-  std::error_code ec;
-  fs::path full = fs::weakly_canonical(root / fs::path(requestPath).relative_path(), ec);
-  if (ec) return std::nullopt;
-  auto [r, f] = std::mismatch(root.begin(), root.end(), full.begin(), full.end());
-  if (r != root.end() || !fs::is_regular_file(full, ec)) return std::nullopt;
-  return full;
-}
-
 // One line of the reports log: the body as parsed JSON, or as text when it is not JSON.
 std::string reportLine(const httplib::Request& req) {
   json::object line;
@@ -100,12 +76,7 @@ class Server {
     // Headers and body go out in separate writes: without this, a reused connection waits for the
     // client's delayed acknowledgement (about 40 ms) before the body.
     http.set_tcp_nodelay(true);
-    // Only SO_REUSEADDR (a restart binds at once): cpp-httplib's default adds SO_REUSEPORT, with
-    // which a second server binds the same port and the two share its requests unnoticed.
-    http.set_socket_options([](int sock) {
-      int yes = 1;
-      ::setsockopt(sock, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof(yes));
-    });
+    refuseSharedPorts(http);
     // One line on stderr per request: method, path, status, body bytes and time taken. A request
     // is handled on one worker thread from routing to logging, so its start time is kept there.
     http.set_logger([](const httplib::Request& req, const httplib::Response& res) {
@@ -146,7 +117,7 @@ class Server {
   }
 
   void serveFile(const httplib::Request& req, httplib::Response& res) {
-    std::optional<fs::path> file = resolve(root_, req.path);
+    std::optional<fs::path> file = resolveUnderRoot(root_, req.path);
     if (!file) {
       res.status = 404;
       res.set_content("not found\n", "text/plain");
@@ -218,44 +189,8 @@ int run(const Args& args) {
   Server server(root, reports, std::chrono::milliseconds(static_cast<long>(latency)));
   server.install(*http);
 
-  // SIGINT and SIGTERM are taken by one waiting thread (every other thread blocks them), which
-  // stops the server; writing to a client that went away must not end the process either.
-  sigset_t stopSignals;
-  sigemptyset(&stopSignals);
-  sigaddset(&stopSignals, SIGINT);
-  sigaddset(&stopSignals, SIGTERM);
-  pthread_sigmask(SIG_BLOCK, &stopSignals, nullptr);
-  std::signal(SIGPIPE, SIG_IGN);
-
-  errno = 0;
-  int bound =
-      port > 0
-          ? (http->bind_to_port("127.0.0.1", static_cast<int>(port)) ? static_cast<int>(port) : -1)
-          : http->bind_to_any_port("127.0.0.1");
-  if (bound <= 0) {
-    int error = errno;
-    std::string why = error == EADDRINUSE ? "address already in use"
-                      : error != 0        ? std::strerror(error)
-                                          : "the socket could not be bound";
-    std::fprintf(stderr, "zvpush: cannot listen on 127.0.0.1:%d: %s\n", static_cast<int>(port),
-                 why.c_str());
-    return kFailure;
-  }
-  std::cout << "listening on " << (cert ? "https" : "http") << "://127.0.0.1:" << bound
-            << std::endl;
-
-  std::atomic<bool> signalled{false};
-  std::thread waiter([&] {
-    int signal = 0;
-    sigwait(&stopSignals, &signal);
-    signalled = true;
-    server.stop();
-    http->stop();
-  });
-  http->listen_after_bind();
-  if (!signalled) pthread_kill(waiter.native_handle(), SIGTERM);
-  waiter.join();
-  return kOk;
+  return listenUntilSignalled(*http, static_cast<int>(port), cert ? "https" : "http",
+                              [&] { server.stop(); });
 }
 
 #else

@@ -1,0 +1,33 @@
+// What zvpush serve and zvpush studio share as local HTTP servers on 127.0.0.1: files under a root
+// (never outside it) with their content types, a port in use refused rather than shared, and
+// serving until SIGINT or SIGTERM.
+#pragma once
+
+#include <httplib.h>
+
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace zvpush {
+
+// The content type of a file from its extension.
+std::string contentTypeFor(const std::filesystem::path& file);
+
+// The regular file that a (decoded) request path names under root, or nullopt when there is none
+// or when the path, after resolving ".." and symbolic links, leads outside root.
+std::optional<std::filesystem::path> resolveUnderRoot(const std::filesystem::path& root,
+                                                      const std::string& requestPath);
+
+// Only SO_REUSEADDR (a restart binds at once): cpp-httplib's default adds SO_REUSEPORT, with which
+// a second server binds the same port and the two share its requests unnoticed.
+void refuseSharedPorts(httplib::Server& http);
+
+// Binds 127.0.0.1:port (0: any free port), prints "listening on SCHEME://127.0.0.1:PORT" and
+// serves until SIGINT or SIGTERM, then calls onStop and stops the server. Returns the exit code:
+// 0 after a signal, 1 (with one line on stderr) when the port cannot be bound.
+int listenUntilSignalled(httplib::Server& http, int port, const std::string& scheme,
+                         const std::function<void()>& onStop);
+
+}  // namespace zvpush
