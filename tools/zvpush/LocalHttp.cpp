@@ -55,7 +55,8 @@ void refuseSharedPorts(httplib::Server& http) {
 }
 
 int listenUntilSignalled(httplib::Server& http, int port, const std::string& scheme,
-                         const std::function<void()>& onStop) {
+                         const std::function<void()>& onStop,
+                         const std::function<void(int)>& onBound) {
   // SIGINT and SIGTERM are taken by one waiting thread (every other thread blocks them), which
   // stops the server; writing to a client that went away must not end the process either.
   sigset_t stopSignals;
@@ -77,6 +78,7 @@ int listenUntilSignalled(httplib::Server& http, int port, const std::string& sch
                  why.c_str());
     return kFailure;
   }
+  if (onBound) onBound(bound);
   std::cout << "listening on " << scheme << "://127.0.0.1:" << bound << std::endl;
 
   std::atomic<bool> signalled{false};

@@ -24,10 +24,12 @@ std::optional<std::filesystem::path> resolveUnderRoot(const std::filesystem::pat
 // a second server binds the same port and the two share its requests unnoticed.
 void refuseSharedPorts(httplib::Server& http);
 
-// Binds 127.0.0.1:port (0: any free port), prints "listening on SCHEME://127.0.0.1:PORT" and
-// serves until SIGINT or SIGTERM, then calls onStop and stops the server. Returns the exit code:
-// 0 after a signal, 1 (with one line on stderr) when the port cannot be bound.
+// Binds 127.0.0.1:port (0: any free port), calls onBound with the port bound, prints "listening
+// on SCHEME://127.0.0.1:PORT" and serves until SIGINT or SIGTERM, then calls onStop and stops the
+// server. Returns the exit code: 0 after a signal, 1 (with one line on stderr) when the port
+// cannot be bound.
 int listenUntilSignalled(httplib::Server& http, int port, const std::string& scheme,
-                         const std::function<void()>& onStop);
+                         const std::function<void()>& onStop,
+                         const std::function<void(int)>& onBound = {});
 
 }  // namespace zvpush

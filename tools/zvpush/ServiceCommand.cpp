@@ -15,6 +15,7 @@
 
 #include "ArgParser.h"
 #include "Command.h"
+#include "DeliveredContent.h"
 #include "DownloadExplainer.h"
 #include "JsonIO.h"
 #include "zentrova/platform/Platform.h"
@@ -45,33 +46,6 @@ std::string randomIdentifier() {
   std::string id = "zvpush-";
   for (int i = 0; i < 16; ++i) id.push_back("0123456789abcdef"[hex(rd)]);
   return id;
-}
-
-json::value describe(const zv::UNNotificationContent& c, const std::string& identifier) {
-  json::object out;
-  out["identifier"] = identifier;
-  out["title"] = c.title();
-  out["subtitle"] = c.subtitle();
-  out["body"] = c.body();
-  zv::Value badge = c.badge();
-  out["badge"] = badge.isNil() ? json::value(nullptr) : badge.json();
-  auto sound = c.sound();
-  if (!sound) {
-    out["sound"] = nullptr;
-  } else if (sound->isDefault()) {
-    out["sound"] = "default";
-  } else {
-    out["sound"] = json::object{{"named", sound->name()}};
-  }
-  out["categoryIdentifier"] = c.categoryIdentifier();
-  out["userInfo"] = c.userInfo().json();
-  json::array attachments;
-  for (const auto& a : c.attachments()) {
-    attachments.push_back(
-        json::object{{"identifier", a->identifier()}, {"url", a->URL().absoluteString()}});
-  }
-  out["attachments"] = std::move(attachments);
-  return out;
 }
 
 int run(const Args& args) {
@@ -128,7 +102,7 @@ int run(const Args& args) {
   std::optional<json::value> result;
   std::shared_ptr<zv::UNNotificationContent> content;
   auto handler = [&](const std::shared_ptr<zv::UNNotificationContent>& c) {
-    json::value v = describe(*c, identifier);
+    json::value v = describeDelivered(*c, identifier);
     std::lock_guard lock(mutex);
     if (!result) {
       result = std::move(v);

@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <fstream>
 
+#include "support/ServerProcess.h"
 #include "support/TestCertificates.h"
 #include "support/TestSupport.h"
 #include "zentrova/platform/foundation/Value.h"
@@ -15,38 +16,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// "zvpush serve ARGS" as a child process (the shell execs it, keeping the pid it printed); the
-// first line the server printed, and its port.
-class Serve {
- public:
-  explicit Serve(const std::string& args) {
-    out_ = popen(("echo $$; exec " ZVPUSH_PATH " serve " + args).c_str(), "r");
-    pid_ = std::stoi(line());
-    firstLine = line();
-    port = std::atoi(firstLine.c_str() + firstLine.rfind(':') + 1);
-  }
-  ~Serve() {
-    if (out_) stop(SIGTERM);
-  }
-  // Sends a signal and returns the exit code.
-  int stop(int signal) {
-    kill(pid_, signal);
-    int status = pclose(out_);
-    out_ = nullptr;
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  }
-
-  std::string firstLine;
-  int port = 0;
-
- private:
-  std::string line() {
-    char buffer[256] = {};
-    return std::fgets(buffer, sizeof buffer, out_) ? buffer : "";
-  }
-  std::FILE* out_;
-  pid_t pid_;
-};
+using Serve = zvtest::ServerProcess;
 
 class ServeCommandTest : public ::testing::Test {
  protected:

@@ -1,0 +1,72 @@
+// zvpush studio [--port N] [--root DIR]: a local preview page for the people who send pushes, on
+// 127.0.0.1 (see Studio.h for what it serves). The first line printed is "listening on URL".
+#ifdef ZVPUSH_CONTENT
+#include <stdlib.h>
+
+#include <filesystem>
+#include <iostream>
+
+#include "LocalHttp.h"
+#include "Studio.h"
+#include "zentrova/platform/foundation/Exception.h"
+#endif
+
+#include "ArgParser.h"
+#include "Command.h"
+#include "ContentProgram.h"
+
+namespace zvpush {
+
+namespace {
+
+int run(const Args& args) {
+#ifdef ZVPUSH_CONTENT
+  namespace fs = std::filesystem;
+  ArgParser parser({"--port", "--root"}, {});
+  parser.parse(args);
+  if (!parser.positional().empty()) {
+    throw UsageError("unexpected argument " + parser.positional()[0]);
+  }
+  double port = parser.number("--port").value_or(8770);
+  if (port < 0 || port > 65535 || port != static_cast<int>(port)) {
+    throw UsageError("--port needs a whole number from 0 to 65535");
+  }
+  std::string rootArg = parser.value("--root").value_or("examples");
+  std::error_code ec;
+  fs::path root = fs::canonical(rootArg, ec);
+  if (ec || !fs::is_directory(root)) throw InputError(rootArg + " is not a directory");
+
+  std::string pattern = (fs::temp_directory_path() / "zvpush-studio-XXXXXX").string();
+  if (!mkdtemp(pattern.data())) throw InputError("cannot make a scratch folder");
+  fs::path scratch = pattern;
+  int code = kFailure;
+  try {
+    Studio studio(root, scratch);
+    httplib::Server http;
+    studio.install(http);
+    code = listenUntilSignalled(
+        http, static_cast<int>(port), "http", [] {},
+        [&](int bound) { studio.setOrigin("http://127.0.0.1:" + std::to_string(bound)); });
+  } catch (const zv::Exception& e) {
+    std::cerr << "zvpush: " << e.reason() << "\n";
+  }
+  fs::remove_all(scratch, ec);
+  return code;
+#else
+  return runContentProgram("studio", args);
+#endif
+}
+
+}  // namespace
+
+ZVPUSH_COMMAND(
+    "studio", "a local preview page: edit a payload, see the notification light and dark",
+    "studio [--port 8770] [--root DIR]", run,
+    "  --port N     the port on 127.0.0.1 (8770; 0: any free port)\n"
+    "  --root DIR   the payloads (*.json) offered as examples and the files the page\n"
+    "               may serve under /files/ (examples)\n"
+    "Open the printed URL: the payload editor, the collapsed notification, the expanded\n"
+    "preview light and dark, inspect's reasons and warnings, and what became of each\n"
+    "media download (fetched for real). A tap on a preview says what it would do.\n");
+
+}  // namespace zvpush
