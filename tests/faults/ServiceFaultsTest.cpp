@@ -14,6 +14,7 @@
 #include <thread>
 
 #include "support/LocalServer.h"
+#include "support/Payloads.h"
 #include "support/RawReplyServer.h"
 #include "support/TestSupport.h"
 #include "zentrova/platform/foundation/Value.h"
@@ -46,22 +47,7 @@ class ServiceFaultsTest : public ::testing::Test {
   // The zvpush arguments of that run.
   std::string serviceCommand(const std::string& mediaPath, std::string tmp, int budget) {
     if (tmp.empty()) tmp = dir.path().string();
-    json::object image{{"id", 1}, {"type", "image"}, {"content", media.url(mediaPath)}};
-    json::object payload{
-        {"aps", json::object{{"alert", json::object{{"title", "t"}, {"body", "b"}}},
-                             {"mutable-content", 1}}},
-        {"zentrova", json::object{{"cid", "c1"}, {"app_id", "app"}}},
-        {"zovFeatures",
-         json::object{
-             {"richPush",
-              json::object{
-                  {"title", "Rich"},
-                  {"body", "Body"},
-                  {"displayName", "T"},
-                  {"expanded",
-                   json::object{{"type", "stylizedBasic"},
-                                {"cards", json::array{json::object{
-                                              {"id", 1}, {"widgets", json::array{image}}}}}}}}}}}};
+    json::object payload = stylizedPush(media.url(mediaPath));
     auto file = dir.path() / ("p" + std::to_string(payloads++) + ".json");
     std::ofstream(file) << json::serialize(payload);
     return "service " + file.string() + " " + store + " --tmp " + tmp + " --budget " +

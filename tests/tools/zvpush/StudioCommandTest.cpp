@@ -7,6 +7,7 @@
 #include <boost/json.hpp>
 #include <fstream>
 
+#include "support/Payloads.h"
 #include "support/ServerProcess.h"
 #include "support/TestSupport.h"
 #include "zentrova/platform/graphics/UIImage.h"
@@ -42,27 +43,7 @@ class StudioCommandTest : public ::testing::Test {
   }
   // A stylised push whose image is a file of the studio's root.
   std::string payload() {
-    return json::serialize(json::object{
-        {"aps", json::object{{"alert", json::object{{"title", "T"}, {"body", "B"}}}}},
-        {"zentrova", json::object{{"cid", "c"}, {"app_id", "a"}}},
-        {"zovFeatures",
-         json::object{
-             {"richPush",
-              json::object{
-                  {"title", "Rich"},
-                  {"body", "Body"},
-                  {"displayName", "D"},
-                  {"expanded",
-                   json::object{
-                       {"type", "stylizedBasic"},
-                       {"cards", json::array{json::object{
-                                     {"id", 1},
-                                     {"widgets",
-                                      json::array{json::object{
-                                          {"id", 1},
-                                          {"type", "image"},
-                                          {"content", studio->url + "/files/media/"
-                                                                    "card1.png"}}}}}}}}}}}}}});
+    return json::serialize(stylizedPush(studio->url + "/files/media/card1.png"));
   }
 
   TempDir dir;
