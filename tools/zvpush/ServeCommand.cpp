@@ -9,27 +9,20 @@
 
 #include "LocalHttp.h"
 #endif
-#include <pthread.h>
-#include <signal.h>
-#include <sys/socket.h>
 
 #include <algorithm>
-#include <atomic>
 #include <boost/json/parse.hpp>
 #include <boost/json/serialize.hpp>
 #include <cctype>
-#include <cerrno>
 #include <chrono>
 #include <condition_variable>
 #include <cstdio>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <map>
 #include <memory>
 #include <mutex>
-#include <thread>
 
 #include "ArgParser.h"
 #include "Command.h"
