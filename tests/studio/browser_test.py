@@ -133,6 +133,7 @@ def main():
         url = studio.stdout.readline().split()[-1]
         browser = subprocess.Popen(
             ["chromium", "--headless=new", "--no-sandbox", "--disable-gpu", "--no-first-run",
+             "--disable-dev-shm-usage",
              "--remote-debugging-port=0", f"--user-data-dir={profile.name}",
              "--window-size=1400,1600", "about:blank"],
             stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, text=True)
