@@ -5,8 +5,9 @@
 include(CMakePackageConfigHelpers)
 set(zv_cmake_dir ${CMAKE_INSTALL_LIBDIR}/cmake/zentrova)
 
+# Ffmpeg.h stays inside: it needs FFmpeg's headers, which a host does not.
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/src/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zentrova
-        FILES_MATCHING PATTERN "*.h")
+        FILES_MATCHING PATTERN "*.h" PATTERN "Ffmpeg.h" EXCLUDE)
 install(FILES ${PROJECT_BINARY_DIR}/generated/zentrova/Version.h
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zentrova)
 install(TARGETS zv_service zv_content EXPORT zentrovaTargets

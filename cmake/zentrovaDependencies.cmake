@@ -26,7 +26,10 @@ pkg_check_modules(ZV_MAGIC REQUIRED IMPORTED_TARGET libmagic)
 pkg_check_modules(ZV_PANGO REQUIRED IMPORTED_TARGET pangocairo pangoft2 fontconfig cairo)
 pkg_check_modules(ZV_IMAGES REQUIRED IMPORTED_TARGET libpng libjpeg libwebp libwebpdemux
                   libwebpmux)
-pkg_check_modules(ZV_FFMPEG REQUIRED IMPORTED_TARGET libavformat libavcodec libavutil libswscale)
+if(NOT zentrova_FIND_FOR_CONSUMER)
+  # Headers only: the content library loads FFmpeg's libraries when it first plays a clip.
+  pkg_check_modules(ZV_FFMPEG REQUIRED libavformat libavcodec libavutil libswscale)
+endif()
 # giflib ships no pkg-config file.
 if(NOT TARGET zentrova_giflib)
   find_path(ZV_GIF_INCLUDE_DIR gif_lib.h REQUIRED)

@@ -1,17 +1,11 @@
 // LibraryVersions::content(): the content side's libraries, in the content library.
 #include <cairo.h>
+#include <fmt/format.h>
 #include <pango/pango.h>
 #include <webp/decode.h>
 
-extern "C" {
-#include <libavcodec/avcodec.h>
-#include <libavformat/avformat.h>
-#include <libavutil/avutil.h>
-}
-
-#include <fmt/format.h>
-
 #include "zentrova/platform/LibraryVersions.h"
+#include "zentrova/platform/media/Ffmpeg.h"
 
 namespace zv {
 
@@ -25,10 +19,14 @@ std::string dotted(unsigned version) {
 
 LibraryVersions::List LibraryVersions::content() {
   int webp = WebPGetDecoderVersion();
+  const Ffmpeg* ff = Ffmpeg::load();  // loaded on demand: asking for its version loads it
+  std::string ffmpeg =
+      ff ? fmt::format("{} (libavformat {}, libavcodec {})", ff->av_version_info(),
+                       dotted(ff->avformat_version()), dotted(ff->avcodec_version()))
+         : fmt::format("not found (libavformat.so.{})", LIBAVFORMAT_VERSION_MAJOR);
   return {{"Pango", pango_version_string()},
           {"Cairo", cairo_version_string()},
-          {"FFmpeg", fmt::format("{} (libavformat {}, libavcodec {})", av_version_info(),
-                                 dotted(avformat_version()), dotted(avcodec_version()))},
+          {"FFmpeg", ffmpeg},
           {"libwebp", fmt::format("{}.{}.{}", webp >> 16, (webp >> 8) & 0xFF, webp & 0xFF)}};
 }
 

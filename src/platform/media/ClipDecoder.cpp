@@ -1,31 +1,28 @@
 #include "zentrova/platform/media/ClipDecoder.h"
 
-extern "C" {
-#include <libavcodec/avcodec.h>
-#include <libavformat/avformat.h>
-#include <libavutil/imgutils.h>
-#include <libswscale/swscale.h>
-}
-
 #include <algorithm>
 #include <cmath>
 
+#include "zentrova/platform/media/Ffmpeg.h"
+
 namespace zv {
 
+// Handles exist only once FFmpeg is loaded, so the deleters find it loaded.
 namespace ffmpeg {
-void closeInput(AVFormatContext* context) { avformat_close_input(&context); }
-void freeCodec(AVCodecContext* context) { avcodec_free_context(&context); }
-void freeFrame(AVFrame* frame) { av_frame_free(&frame); }
-void freePacket(AVPacket* packet) { av_packet_free(&packet); }
-void freeScaler(SwsContext* scaler) { sws_freeContext(scaler); }
+void closeInput(AVFormatContext* context) { Ffmpeg::load()->avformat_close_input(&context); }
+void freeCodec(AVCodecContext* context) { Ffmpeg::load()->avcodec_free_context(&context); }
+void freeFrame(AVFrame* frame) { Ffmpeg::load()->av_frame_free(&frame); }
+void freePacket(AVPacket* packet) { Ffmpeg::load()->av_packet_free(&packet); }
+void freeScaler(SwsContext* scaler) { Ffmpeg::load()->sws_freeContext(scaler); }
 }  // namespace ffmpeg
 
-ClipDecoder::ClipDecoder(const std::filesystem::path& file) {
-  av_log_set_level(AV_LOG_QUIET);  // damaged files are expected; FFmpeg need not say so
+ClipDecoder::ClipDecoder(const std::filesystem::path& file) : ff_(Ffmpeg::load()) {
+  if (!ff_) return;                     // without FFmpeg's libraries no clip plays
+  ff_->av_log_set_level(AV_LOG_QUIET);  // damaged files are expected; FFmpeg need not say so
   AVFormatContext* raw = nullptr;
-  if (avformat_open_input(&raw, file.c_str(), nullptr, nullptr) != 0) return;
+  if (ff_->avformat_open_input(&raw, file.c_str(), nullptr, nullptr) != 0) return;
   format_.reset(raw);
-  if (avformat_find_stream_info(format_.get(), nullptr) < 0) {
+  if (ff_->avformat_find_stream_info(format_.get(), nullptr) < 0) {
     format_.reset();
     return;
   }
@@ -33,7 +30,7 @@ ClipDecoder::ClipDecoder(const std::filesystem::path& file) {
   for (unsigned i = 0; i < format_->nb_streams; ++i) {
     if (format_->streams[i]->codecpar->codec_type == AVMEDIA_TYPE_AUDIO) hasAudio_ = true;
   }
-  stream_ = av_find_best_stream(format_.get(), AVMEDIA_TYPE_VIDEO, -1, -1, nullptr, 0);
+  stream_ = ff_->av_find_best_stream(format_.get(), AVMEDIA_TYPE_VIDEO, -1, -1, nullptr, 0);
   if (stream_ < 0) return;
   AVStream* stream = format_->streams[stream_];
   const AVCodecParameters* parameters = stream->codecpar;
@@ -43,17 +40,17 @@ ClipDecoder::ClipDecoder(const std::filesystem::path& file) {
                                  static_cast<std::size_t>(std::max(parameters->height, 0)))) {
     return;
   }
-  const AVCodec* codec = avcodec_find_decoder(parameters->codec_id);
+  const AVCodec* codec = ff_->avcodec_find_decoder(parameters->codec_id);
   if (!codec) return;
-  video_.reset(avcodec_alloc_context3(codec));
-  if (!video_ || avcodec_parameters_to_context(video_.get(), parameters) < 0 ||
-      avcodec_open2(video_.get(), codec, nullptr) < 0) {
+  video_.reset(ff_->avcodec_alloc_context3(codec));
+  if (!video_ || ff_->avcodec_parameters_to_context(video_.get(), parameters) < 0 ||
+      ff_->avcodec_open2(video_.get(), codec, nullptr) < 0) {
     video_.reset();
     return;
   }
-  current_.reset(av_frame_alloc());
-  next_.reset(av_frame_alloc());
-  packet_.reset(av_packet_alloc());
+  current_.reset(ff_->av_frame_alloc());
+  next_.reset(ff_->av_frame_alloc());
+  packet_.reset(ff_->av_packet_alloc());
   if (!current_ || !next_ || !packet_) {
     video_.reset();
     return;
@@ -82,32 +79,33 @@ bool ClipDecoder::seek(double seconds) {
   if (format_->streams[stream_]->start_time != AV_NOPTS_VALUE) {
     target += format_->streams[stream_]->start_time;
   }
-  if (av_seek_frame(format_.get(), stream_, target, AVSEEK_FLAG_BACKWARD) < 0) {
+  if (ff_->av_seek_frame(format_.get(), stream_, target, AVSEEK_FLAG_BACKWARD) < 0) {
     // Not seekable: start again from the beginning.
-    if (av_seek_frame(format_.get(), stream_, 0, AVSEEK_FLAG_BACKWARD | AVSEEK_FLAG_BYTE) < 0) {
+    if (ff_->av_seek_frame(format_.get(), stream_, 0, AVSEEK_FLAG_BACKWARD | AVSEEK_FLAG_BYTE) <
+        0) {
       return false;
     }
   }
-  avcodec_flush_buffers(video_.get());
+  ff_->avcodec_flush_buffers(video_.get());
   hasCurrent_ = hasNext_ = ended_ = false;
   return true;
 }
 
 bool ClipDecoder::decodeNext() {
   while (!ended_) {
-    int got = avcodec_receive_frame(video_.get(), next_.get());
+    int got = ff_->avcodec_receive_frame(video_.get(), next_.get());
     if (got == 0) return true;
     if (got != AVERROR(EAGAIN)) {
       ended_ = true;
       return false;
     }
-    int read = av_read_frame(format_.get(), packet_.get());
+    int read = ff_->av_read_frame(format_.get(), packet_.get());
     if (read < 0) {
-      avcodec_send_packet(video_.get(), nullptr);  // drain what the decoder still holds
+      ff_->avcodec_send_packet(video_.get(), nullptr);  // drain what the decoder still holds
       continue;
     }
-    if (packet_->stream_index == stream_) avcodec_send_packet(video_.get(), packet_.get());
-    av_packet_unref(packet_.get());
+    if (packet_->stream_index == stream_) ff_->avcodec_send_packet(video_.get(), packet_.get());
+    ff_->av_packet_unref(packet_.get());
   }
   return false;
 }
@@ -142,13 +140,13 @@ std::shared_ptr<const PixelBuffer> ClipDecoder::convert(AVFrame* frame) {
   auto pixels = PixelBuffer::make(static_cast<std::size_t>(frame->width),
                                   static_cast<std::size_t>(frame->height));
   if (!pixels) return nullptr;
-  scaler_.reset(sws_getCachedContext(
+  scaler_.reset(ff_->sws_getCachedContext(
       scaler_.release(), frame->width, frame->height, static_cast<AVPixelFormat>(frame->format),
       frame->width, frame->height, AV_PIX_FMT_BGRA, SWS_BILINEAR, nullptr, nullptr, nullptr));
   if (!scaler_) return nullptr;
   uint8_t* planes[1] = {reinterpret_cast<uint8_t*>(pixels->data.data())};
   int strides[1] = {pixels->width * 4};
-  sws_scale(scaler_.get(), frame->data, frame->linesize, 0, frame->height, planes, strides);
+  ff_->sws_scale(scaler_.get(), frame->data, frame->linesize, 0, frame->height, planes, strides);
   return pixels;
 }
 

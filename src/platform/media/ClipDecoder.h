@@ -20,6 +20,8 @@ struct SwsContext;
 
 namespace zv {
 
+struct Ffmpeg;
+
 namespace ffmpeg {
 // FFmpeg's release functions take a pointer to the handle; these take the handle.
 void closeInput(AVFormatContext* context);
@@ -51,6 +53,7 @@ class ClipDecoder {
   double timeOf(const AVFrame* frame) const;
   std::shared_ptr<const PixelBuffer> convert(AVFrame* frame);
 
+  const Ffmpeg* ff_;  // nullptr when FFmpeg could not be loaded
   UniqueHandle<AVFormatContext, ffmpeg::closeInput> format_;
   UniqueHandle<AVCodecContext, ffmpeg::freeCodec> video_;
   UniqueHandle<AVFrame, ffmpeg::freeFrame> current_, next_;
