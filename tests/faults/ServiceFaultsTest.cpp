@@ -149,6 +149,18 @@ TEST_F(ServiceFaultsTest, FoldersAndStoresThatMisbehave) {
     EXPECT_EQ(out.get("title").string(), "Rich") << c.what;
     EXPECT_EQ(out.get("attachments").array().size(), c.attachments) << c.what;
   }
+  // A full disk: no file may grow past 16 KB (writes past it fail, as on a full disk), and the
+  // image is 26 KB; without the limit the same image is attached.
+  media.addFile("/card.png", readFile(ZV_SOURCE_DIR "/examples/media/card1.png"), "image/png");
+  for (const char* limit : {"unlimited", "16"}) {
+    auto run = runShell(std::string("trap '' XFSZ; ulimit -f ") + limit +
+                        "; exec " ZVPUSH_PATH " " + serviceCommand("/card.png", "", 1));
+    ASSERT_EQ(run.exit, 0) << limit;
+    zv::Value out = zv::Value::parse(run.out);
+    EXPECT_EQ(out.get("title").string(), "Rich") << limit;
+    EXPECT_EQ(out.get("attachments").array().size(), std::string(limit) == "16" ? 0u : 1u);
+    EXPECT_TRUE(out.get("expired").isNil()) << limit;
+  }
 }
 
 // Eight extensions at once on one store, with reports refused: every event of every run stays.

@@ -58,8 +58,11 @@ bool LogCapture::sinkContains(const std::string& message) const {
 }
 
 CommandOutcome runZvpush(const std::string& args) {
-  std::string command = std::string(ZVPUSH_PATH) + " " + args;
-  if (args.find("2>") == std::string::npos) command += " 2>/dev/null";
+  return runShell(std::string(ZVPUSH_PATH) + " " + args);
+}
+
+CommandOutcome runShell(std::string command) {
+  if (command.find("2>") == std::string::npos) command += " 2>/dev/null";
   FILE* pipe = popen(command.c_str(), "r");
   CommandOutcome outcome;
   if (!pipe) return outcome;

@@ -43,6 +43,8 @@ struct CommandOutcome {
 };
 // Runs "zvpush <args>" through the shell; stderr goes to /dev/null unless args redirect it.
 CommandOutcome runZvpush(const std::string& args);
+// Runs a shell command line the same way.
+CommandOutcome runShell(std::string command);
 
 // Reads a whole file.
 std::string readFile(const std::filesystem::path& p);
