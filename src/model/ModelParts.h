@@ -8,10 +8,13 @@
 #include <string_view>
 #include <vector>
 
+#include "zentrova/Export.h"
 #include "zentrova/model/PayloadKeys.h"
 #include "zentrova/model/ZVRichNotifUtils.h"
 #include "zentrova/platform/foundation/Color.h"
 #include "zentrova/platform/foundation/Value.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv::model {
 
@@ -45,3 +48,5 @@ inline ColorRef backgroundColor(const Value& dict) {
 inline bool isString(const Value& v, std::string_view s) { return v.isString() && v.string() == s; }
 
 }  // namespace zv::model
+
+ZENTROVA_API_END

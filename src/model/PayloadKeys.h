@@ -4,6 +4,10 @@
 // sender writes into them (template, widget, action and navigation names).
 #pragma once
 
+#include "zentrova/Export.h"
+
+ZENTROVA_API_BEGIN
+
 namespace zv {
 
 // ---- Keys ----
@@ -68,3 +72,5 @@ inline constexpr char kPushPayloadValActionTypeRichLanding[] = "richLanding";
 inline constexpr char kPushPayloadValActionTypeScreenNav[] = "screenName";
 
 }  // namespace zv
+
+ZENTROVA_API_END

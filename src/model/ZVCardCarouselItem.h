@@ -5,6 +5,10 @@
 #include <cstdint>
 #include <memory>
 
+#include "zentrova/Export.h"
+
+ZENTROVA_API_BEGIN
+
 namespace zv {
 
 class ZVPushCard;
@@ -18,3 +22,5 @@ struct ZVCardCarouselItem {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

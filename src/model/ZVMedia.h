@@ -8,8 +8,11 @@
 #include <optional>
 #include <string>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/foundation/Url.h"
 #include "zentrova/platform/foundation/Value.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -31,3 +34,5 @@ class ZVMedia {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

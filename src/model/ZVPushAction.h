@@ -7,7 +7,10 @@
 #include <cstdint>
 #include <memory>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/foundation/Value.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -37,3 +40,5 @@ class ZVPushAction {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

@@ -6,8 +6,11 @@
 #include <memory>
 #include <vector>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/foundation/Color.h"
 #include "zentrova/platform/foundation/Value.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -27,3 +30,5 @@ class ZVPushCard {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

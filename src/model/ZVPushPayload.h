@@ -6,7 +6,10 @@
 
 #include <memory>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/foundation/Value.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -33,3 +36,5 @@ class ZVPushPayload {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

@@ -12,9 +12,12 @@
 #include <string>
 #include <string_view>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/foundation/Color.h"
 #include "zentrova/platform/foundation/Url.h"
 #include "zentrova/platform/foundation/Value.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -91,3 +94,5 @@ class ZVRichNotifUtils {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

@@ -7,7 +7,10 @@
 #include <memory>
 #include <vector>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/foundation/Value.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -32,3 +35,5 @@ class ZVRichPush {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

@@ -6,8 +6,11 @@
 #include <memory>
 #include <vector>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/foundation/Color.h"
 #include "zentrova/platform/foundation/Value.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -31,3 +34,5 @@ class ZVRichPushMode {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

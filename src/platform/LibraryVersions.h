@@ -8,6 +8,10 @@
 #include <utility>
 #include <vector>
 
+#include "zentrova/Export.h"
+
+ZENTROVA_API_BEGIN
+
 namespace zv {
 
 struct LibraryVersions {
@@ -19,3 +23,5 @@ struct LibraryVersions {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

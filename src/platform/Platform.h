@@ -17,7 +17,10 @@
 #include <mutex>
 #include <string>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/foundation/Clock.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -91,3 +94,5 @@ class Platform {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

@@ -8,7 +8,10 @@
 #include <optional>
 #include <string>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/foundation/Value.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -20,3 +23,5 @@ struct ReportsBody {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

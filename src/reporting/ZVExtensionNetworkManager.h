@@ -13,9 +13,12 @@
 #include <optional>
 #include <string>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/foundation/Url.h"
 #include "zentrova/platform/foundation/Value.h"
 #include "zentrova/platform/net/UrlRequest.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -63,3 +66,5 @@ class ZVExtensionNetworkManager {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

@@ -8,6 +8,9 @@
 #pragma once
 
 #include <memory>
+#include "zentrova/Export.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -20,3 +23,5 @@ class ZVInterfaceFiles {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

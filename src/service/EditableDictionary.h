@@ -9,7 +9,10 @@
 #include <boost/json/object.hpp>
 #include <string_view>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/foundation/Value.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -38,3 +41,5 @@ class EditableDictionary {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

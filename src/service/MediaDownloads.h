@@ -12,6 +12,10 @@
 #include <mutex>
 #include <vector>
 
+#include "zentrova/Export.h"
+
+ZENTROVA_API_BEGIN
+
 namespace zv {
 
 class UNNotificationAttachment;
@@ -44,3 +48,5 @@ class MediaDownloads {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

@@ -11,6 +11,10 @@
 #include <string>
 #include <vector>
 
+#include "zentrova/Export.h"
+
+ZENTROVA_API_BEGIN
+
 namespace zv {
 
 class UNNotificationRequest;
@@ -49,3 +53,5 @@ struct ServicePlan {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

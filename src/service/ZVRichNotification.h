@@ -6,7 +6,10 @@
 #include <optional>
 #include <string>
 
+#include "zentrova/Export.h"
 #include "zentrova/service/ZVRichNotificationHandler.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -28,3 +31,5 @@ class ZVRichNotification {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

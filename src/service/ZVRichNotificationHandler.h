@@ -14,6 +14,10 @@
 #include <mutex>
 #include <vector>
 
+#include "zentrova/Export.h"
+
+ZENTROVA_API_BEGIN
+
 namespace zv {
 
 class ZVMedia;
@@ -107,3 +111,5 @@ class ZVRichNotificationHandler {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

@@ -18,8 +18,11 @@
 #include <string>
 #include <string_view>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/foundation/Clock.h"
 #include "zentrova/platform/foundation/Value.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -108,3 +111,5 @@ class ZVExtensionDataManager {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

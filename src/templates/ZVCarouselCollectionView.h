@@ -10,10 +10,13 @@
 #include <memory>
 #include <vector>
 
+#include "zentrova/Export.h"
 #include "zentrova/model/ZVCardCarouselItem.h"
 #include "zentrova/platform/ui/NSLayoutConstraint.h"
 #include "zentrova/platform/ui/UICollectionView.h"
 #include "zentrova/platform/ui/UIPageControl.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -70,3 +73,5 @@ class ZVCarouselCollectionView : public UIView,
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

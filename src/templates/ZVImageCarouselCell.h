@@ -4,8 +4,11 @@
 
 #include <memory>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/ui/UICollectionViewCell.h"
 #include "zentrova/platform/ui/UIImageView.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -19,3 +22,5 @@ class ZVImageCarouselCell : public UICollectionViewCell {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

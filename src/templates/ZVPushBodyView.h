@@ -8,9 +8,12 @@
 #include <cstdint>
 #include <memory>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/ui/NSLayoutConstraint.h"
 #include "zentrova/platform/ui/UILabel.h"
 #include "zentrova/platform/ui/UIView.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -40,3 +43,5 @@ class ZVPushBodyView : public UIView {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

@@ -9,8 +9,11 @@
 #include <optional>
 #include <string>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/ui/UIImageView.h"
 #include "zentrova/platform/ui/UIView.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -50,3 +53,5 @@ void showAttachmentImage(UIImageView& view, const std::string& bytes, bool gif);
 std::optional<std::string> readAttachment(const UNNotificationAttachment& attachment);
 
 }  // namespace zv
+
+ZENTROVA_API_END

@@ -9,6 +9,9 @@
 #include <boost/json/object.hpp>
 #include <memory>
 #include <optional>
+#include "zentrova/Export.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -47,3 +50,5 @@ class ZVPushTemplateHandler {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

@@ -13,9 +13,12 @@
 #include <memory>
 #include <string>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/foundation/Url.h"
 #include "zentrova/platform/foundation/Value.h"
 #include "zentrova/platform/graphics/UIImage.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -34,3 +37,5 @@ class ZVRichPushGif {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

@@ -15,6 +15,10 @@
 #include <optional>
 #include <string>
 
+#include "zentrova/Export.h"
+
+ZENTROVA_API_BEGIN
+
 struct sqlite3;
 
 namespace zv {
@@ -46,3 +50,5 @@ class SqliteFile {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

@@ -27,9 +27,12 @@
 #include <string>
 #include <string_view>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/defaults/ValueCache.h"
 #include "zentrova/platform/foundation/UniqueHandle.h"
 #include "zentrova/platform/foundation/Value.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -112,3 +115,5 @@ class SqliteStore {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

@@ -13,6 +13,10 @@
 #include <filesystem>
 #include <memory>
 
+#include "zentrova/Export.h"
+
+ZENTROVA_API_BEGIN
+
 namespace zv {
 
 class SqliteStore;
@@ -24,3 +28,5 @@ class SqliteStorePool {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

@@ -14,6 +14,10 @@
 #include <string>
 #include <string_view>
 
+#include "zentrova/Export.h"
+
+ZENTROVA_API_BEGIN
+
 namespace zv {
 
 class StoredJson {
@@ -32,3 +36,5 @@ class StoredJson {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

@@ -22,7 +22,10 @@
 #include <string>
 #include <string_view>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/foundation/Value.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -79,3 +82,5 @@ class UserDefaults {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

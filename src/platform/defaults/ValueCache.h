@@ -14,6 +14,10 @@
 #include <string>
 #include <string_view>
 
+#include "zentrova/Export.h"
+
+ZENTROVA_API_BEGIN
+
 namespace zv {
 
 class ValueCache {
@@ -45,3 +49,5 @@ class ValueCache {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

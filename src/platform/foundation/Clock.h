@@ -6,6 +6,10 @@
 #include <atomic>
 #include <ctime>
 
+#include "zentrova/Export.h"
+
+ZENTROVA_API_BEGIN
+
 namespace zv {
 
 class Clock {
@@ -37,3 +41,5 @@ class FixedClock : public Clock {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

@@ -5,6 +5,10 @@
 
 #include <memory>
 
+#include "zentrova/Export.h"
+
+ZENTROVA_API_BEGIN
+
 namespace zv {
 
 struct Color {
@@ -22,3 +26,5 @@ struct Color {
 using ColorRef = std::shared_ptr<const Color>;
 
 }  // namespace zv
+
+ZENTROVA_API_END

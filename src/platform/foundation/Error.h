@@ -4,6 +4,10 @@
 
 #include <string>
 
+#include "zentrova/Export.h"
+
+ZENTROVA_API_BEGIN
+
 namespace zv {
 
 struct Error {
@@ -21,3 +25,5 @@ struct Error {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

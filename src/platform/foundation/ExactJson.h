@@ -10,6 +10,10 @@
 #include <boost/json/value.hpp>
 #include <string_view>
 
+#include "zentrova/Export.h"
+
+ZENTROVA_API_BEGIN
+
 namespace zv {
 
 class ExactJson {
@@ -20,3 +24,5 @@ class ExactJson {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

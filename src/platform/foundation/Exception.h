@@ -7,7 +7,10 @@
 #include <exception>
 #include <string>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/foundation/Value.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -34,3 +37,5 @@ class Exception : public std::exception {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

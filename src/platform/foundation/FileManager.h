@@ -7,8 +7,11 @@
 
 #include <filesystem>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/foundation/Error.h"
 #include "zentrova/platform/foundation/Url.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -50,3 +53,5 @@ class FileManager {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

@@ -2,6 +2,10 @@
 // rectangle's origin is its top-left corner; y grows downwards, as on the phone's screen.
 #pragma once
 
+#include "zentrova/Export.h"
+
+ZENTROVA_API_BEGIN
+
 namespace zv {
 
 using CGFloat = double;
@@ -39,3 +43,5 @@ struct CGRect {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

@@ -11,6 +11,10 @@
 #include <functional>
 #include <memory>
 
+#include "zentrova/Export.h"
+
+ZENTROVA_API_BEGIN
+
 namespace zv {
 
 class OperationQueue {
@@ -45,3 +49,5 @@ class OperationQueue {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

@@ -10,6 +10,10 @@
 #include <string>
 #include <string_view>
 
+#include "zentrova/Export.h"
+
+ZENTROVA_API_BEGIN
+
 namespace zv {
 
 class Url {
@@ -70,3 +74,5 @@ std::optional<std::string> percentDecode(std::string_view s);
 bool isValidUtf8(std::string_view s);
 
 }  // namespace zv
+
+ZENTROVA_API_END

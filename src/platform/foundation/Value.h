@@ -14,6 +14,10 @@
 #include <string_view>
 #include <vector>
 
+#include "zentrova/Export.h"
+
+ZENTROVA_API_BEGIN
+
 namespace zv {
 
 namespace json = boost::json;
@@ -90,3 +94,5 @@ class Value {
 std::string_view kindName(const Value& v);
 
 }  // namespace zv
+
+ZENTROVA_API_END

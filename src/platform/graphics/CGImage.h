@@ -8,7 +8,10 @@
 #include <memory>
 #include <mutex>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/graphics/PixelBuffer.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -42,3 +45,5 @@ class CGImage {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

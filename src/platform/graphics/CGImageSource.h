@@ -19,8 +19,11 @@
 #include <memory>
 #include <string>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/foundation/Value.h"
 #include "zentrova/platform/graphics/CGImage.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -57,3 +60,5 @@ class CGImageSource {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

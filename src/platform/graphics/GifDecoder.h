@@ -19,7 +19,10 @@
 #include <string_view>
 #include <vector>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/graphics/PixelBuffer.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -84,3 +87,5 @@ class GifDecoder {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

@@ -10,7 +10,10 @@
 #include <string>
 #include <string_view>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/graphics/PixelBuffer.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -40,3 +43,5 @@ class ImageDecoder {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

@@ -9,6 +9,10 @@
 #include <memory>
 #include <vector>
 
+#include "zentrova/Export.h"
+
+ZENTROVA_API_BEGIN
+
 namespace zv {
 
 struct PixelBuffer {
@@ -46,3 +50,5 @@ struct PixelBuffer {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

@@ -4,7 +4,10 @@
 
 #include <filesystem>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/graphics/PixelBuffer.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -15,3 +18,5 @@ class PngWriter {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

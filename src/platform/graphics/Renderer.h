@@ -10,8 +10,11 @@
 #include <filesystem>
 #include <memory>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/foundation/Geometry.h"
 #include "zentrova/platform/graphics/PixelBuffer.h"
+
+ZENTROVA_API_BEGIN
 
 typedef struct _cairo cairo_t;
 typedef struct _PangoFontMap PangoFontMap;
@@ -54,3 +57,5 @@ class Renderer {
 CGRect placeImage(double width, double height, const CGRect& bounds, int contentMode);
 
 }  // namespace zv
+
+ZENTROVA_API_END

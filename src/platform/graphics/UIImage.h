@@ -10,8 +10,11 @@
 #include <string>
 #include <vector>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/foundation/Geometry.h"
 #include "zentrova/platform/graphics/CGImage.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -47,3 +50,5 @@ class UIImage {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

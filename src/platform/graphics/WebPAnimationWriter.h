@@ -7,7 +7,10 @@
 #include <filesystem>
 #include <memory>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/graphics/PixelBuffer.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -36,3 +39,5 @@ class WebPAnimationWriter {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

@@ -5,8 +5,11 @@
 
 #include <memory>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/foundation/Geometry.h"
 #include "zentrova/platform/foundation/Url.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -35,3 +38,5 @@ class AVAsset {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

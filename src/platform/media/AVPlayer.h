@@ -7,7 +7,10 @@
 
 #include <memory>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/media/AVPlayerItem.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -41,3 +44,5 @@ class AVPlayer {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

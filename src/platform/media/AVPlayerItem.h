@@ -3,7 +3,10 @@
 
 #include <memory>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/media/AVAsset.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -20,3 +23,5 @@ class AVPlayerItem {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

@@ -5,8 +5,11 @@
 
 #include <memory>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/media/AVPlayer.h"
 #include "zentrova/platform/ui/CALayer.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -33,3 +36,5 @@ class AVPlayerLayer : public CALayer {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

@@ -8,9 +8,12 @@
 #include <filesystem>
 #include <memory>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/foundation/Geometry.h"
 #include "zentrova/platform/foundation/UniqueHandle.h"
 #include "zentrova/platform/graphics/PixelBuffer.h"
+
+ZENTROVA_API_BEGIN
 
 struct AVFormatContext;
 struct AVCodecContext;
@@ -71,3 +74,5 @@ class ClipDecoder {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

@@ -15,11 +15,14 @@
 #include <optional>
 #include <string>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/foundation/Error.h"
 #include "zentrova/platform/foundation/UniqueHandle.h"
 #include "zentrova/platform/net/HttpUrlResponse.h"
 #include "zentrova/platform/net/UrlSessionConfiguration.h"
 #include "zentrova/platform/net/UrlSessionTask.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -97,3 +100,5 @@ class CurlTransfer {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

@@ -9,7 +9,10 @@
 #include <utility>
 #include <vector>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/foundation/Url.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -37,3 +40,5 @@ class HttpUrlResponse {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

@@ -16,10 +16,13 @@
 #include <unordered_map>
 #include <vector>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/foundation/UniqueHandle.h"
 #include "zentrova/platform/net/CurlTransfer.h"
 #include "zentrova/platform/net/UrlSessionConfiguration.h"
 #include "zentrova/platform/net/UrlSessionTask.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -64,3 +67,5 @@ class SessionEngine : public std::enable_shared_from_this<SessionEngine> {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

@@ -9,7 +9,10 @@
 #include <utility>
 #include <vector>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/foundation/Url.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -67,3 +70,5 @@ class UrlRequest {
 bool headerNameEquals(std::string_view a, std::string_view b);
 
 }  // namespace zv
+
+ZENTROVA_API_END

@@ -15,10 +15,13 @@
 #include <memory>
 #include <optional>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/foundation/Url.h"
 #include "zentrova/platform/net/UrlRequest.h"
 #include "zentrova/platform/net/UrlSessionConfiguration.h"
 #include "zentrova/platform/net/UrlSessionTask.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -64,3 +67,5 @@ class UrlSession {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

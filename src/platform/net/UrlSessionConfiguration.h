@@ -9,9 +9,12 @@
 #include <memory>
 #include <string>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/foundation/FileManager.h"
 #include "zentrova/platform/net/UrlRequest.h"
 #include "zentrova/platform/net/UrlSessionObserver.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -32,3 +35,5 @@ struct UrlSessionConfiguration {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

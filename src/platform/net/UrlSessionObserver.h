@@ -8,7 +8,10 @@
 #include <cstdint>
 #include <optional>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/foundation/Error.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -26,3 +29,5 @@ class UrlSessionObserver {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

@@ -10,10 +10,13 @@
 #include <optional>
 #include <string>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/foundation/Error.h"
 #include "zentrova/platform/foundation/Url.h"
 #include "zentrova/platform/net/HttpUrlResponse.h"
 #include "zentrova/platform/net/UrlRequest.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -76,3 +79,5 @@ class UrlSessionTask : public std::enable_shared_from_this<UrlSessionTask> {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

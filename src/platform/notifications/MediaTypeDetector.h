@@ -8,6 +8,10 @@
 #include <string>
 #include <string_view>
 
+#include "zentrova/Export.h"
+
+ZENTROVA_API_BEGIN
+
 namespace zv {
 
 class MediaTypeDetector {
@@ -18,3 +22,5 @@ class MediaTypeDetector {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

@@ -15,9 +15,12 @@
 #include <mutex>
 #include <vector>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/foundation/Clock.h"
 #include "zentrova/platform/foundation/OperationQueue.h"
 #include "zentrova/platform/notifications/UNNotification.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -57,3 +60,5 @@ class NotificationCenter {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

@@ -3,7 +3,10 @@
 // (see UNNotificationContent).
 #pragma once
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/notifications/UNNotificationContent.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -26,3 +29,5 @@ class UNMutableNotificationContent : public UNNotificationContent {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

@@ -5,7 +5,10 @@
 
 #include <memory>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/notifications/UNNotificationRequest.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -27,3 +30,5 @@ class UNNotification {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

@@ -11,9 +11,12 @@
 #include <memory>
 #include <string>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/foundation/Error.h"
 #include "zentrova/platform/foundation/Url.h"
 #include "zentrova/platform/foundation/Value.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -58,3 +61,5 @@ class UNNotificationAttachment {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

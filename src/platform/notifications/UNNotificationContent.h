@@ -13,9 +13,12 @@
 #include <string>
 #include <vector>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/foundation/Value.h"
 #include "zentrova/platform/notifications/UNNotificationAttachment.h"
 #include "zentrova/platform/notifications/UNNotificationSound.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -66,3 +69,5 @@ class UNNotificationContent {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

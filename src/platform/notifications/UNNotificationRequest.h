@@ -6,8 +6,11 @@
 #include <memory>
 #include <string>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/foundation/Value.h"
 #include "zentrova/platform/notifications/UNNotificationContent.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -38,3 +41,5 @@ class UNNotificationRequest {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

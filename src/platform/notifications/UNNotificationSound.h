@@ -5,6 +5,10 @@
 #include <memory>
 #include <string>
 
+#include "zentrova/Export.h"
+
+ZENTROVA_API_BEGIN
+
 namespace zv {
 
 class UNNotificationSound {
@@ -29,3 +33,5 @@ class UNNotificationSound {
 using UNNotificationSoundRef = std::shared_ptr<const UNNotificationSound>;
 
 }  // namespace zv
+
+ZENTROVA_API_END

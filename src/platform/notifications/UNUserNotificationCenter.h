@@ -5,7 +5,10 @@
 
 #include <memory>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/notifications/NotificationCenter.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -24,3 +27,5 @@ class UNUserNotificationCenter {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

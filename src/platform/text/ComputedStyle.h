@@ -5,9 +5,12 @@
 
 #include <string>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/foundation/Color.h"
 #include "zentrova/platform/text/TextAttributes.h"
 #include "zentrova/platform/text/TextTransform.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -52,3 +55,5 @@ struct ComputedStyle {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

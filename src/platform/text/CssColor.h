@@ -7,7 +7,10 @@
 #include <optional>
 #include <string_view>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/foundation/Color.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv::css {
 
@@ -17,3 +20,5 @@ std::optional<Color> parseColor(std::string_view text);
 std::optional<Color> parseLegacyColor(std::string_view text);
 
 }  // namespace zv::css
+
+ZENTROVA_API_END

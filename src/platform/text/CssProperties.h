@@ -6,8 +6,11 @@
 #include <optional>
 #include <string_view>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/text/ComputedStyle.h"
 #include "zentrova/platform/text/CssDeclarations.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv::css {
 
@@ -27,3 +30,5 @@ std::optional<double> legacyFontSize(std::string_view value);
 std::optional<std::string> firstFontFamily(std::string_view list);
 
 }  // namespace zv::css
+
+ZENTROVA_API_END

@@ -13,6 +13,10 @@
 #include <string_view>
 #include <vector>
 
+#include "zentrova/Export.h"
+
+ZENTROVA_API_BEGIN
+
 namespace zv::css {
 
 class Selector {
@@ -50,3 +54,5 @@ class Selector {
 };
 
 }  // namespace zv::css
+
+ZENTROVA_API_END

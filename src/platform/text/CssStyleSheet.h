@@ -9,8 +9,11 @@
 #include <string_view>
 #include <vector>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/text/CssDeclarations.h"
 #include "zentrova/platform/text/CssSelector.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv::css {
 
@@ -38,3 +41,5 @@ class StyleSheet {
 };
 
 }  // namespace zv::css
+
+ZENTROVA_API_END

@@ -4,7 +4,10 @@
 // a new line.
 #pragma once
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/text/TextMeasurer.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -20,3 +23,5 @@ class FixedAdvanceTextMeasurer : public TextMeasurer {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

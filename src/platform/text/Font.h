@@ -6,6 +6,10 @@
 
 #include <string>
 
+#include "zentrova/Export.h"
+
+ZENTROVA_API_BEGIN
+
 namespace zv {
 
 class Font {
@@ -35,3 +39,5 @@ class Font {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

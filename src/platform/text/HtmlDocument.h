@@ -13,6 +13,10 @@
 #include <string_view>
 #include <vector>
 
+#include "zentrova/Export.h"
+
+ZENTROVA_API_BEGIN
+
 namespace zv {
 
 class HtmlDocument {
@@ -52,3 +56,5 @@ class HtmlDocument {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

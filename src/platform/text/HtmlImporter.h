@@ -11,8 +11,11 @@
 #include <memory>
 #include <string_view>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/foundation/Error.h"
 #include "zentrova/platform/text/StyledText.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -32,3 +35,5 @@ class HtmlImporter {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

@@ -12,8 +12,11 @@
 
 #include <string_view>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/text/ComputedStyle.h"
 #include "zentrova/platform/text/StyledText.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -51,3 +54,5 @@ class HtmlTextBuilder {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

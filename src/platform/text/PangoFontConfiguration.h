@@ -8,6 +8,10 @@
 
 #include <filesystem>
 
+#include "zentrova/Export.h"
+
+ZENTROVA_API_BEGIN
+
 typedef struct _PangoFontMap PangoFontMap;
 typedef struct _PangoContext PangoContext;
 
@@ -26,3 +30,5 @@ class PangoFontConfiguration {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

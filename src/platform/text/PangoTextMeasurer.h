@@ -23,8 +23,11 @@
 #include <string>
 #include <utility>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/foundation/UniqueHandle.h"
 #include "zentrova/platform/text/TextMeasurer.h"
+
+ZENTROVA_API_BEGIN
 
 typedef struct _PangoFontMap PangoFontMap;
 typedef struct _PangoContext PangoContext;
@@ -61,3 +64,5 @@ class PangoTextMeasurer : public TextMeasurer {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

@@ -13,9 +13,12 @@
 
 #include <string_view>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/text/ComputedStyle.h"
 #include "zentrova/platform/text/CssDeclarations.h"
 #include "zentrova/platform/text/CssStyleSheet.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -38,3 +41,5 @@ class StyleResolver {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

@@ -14,8 +14,11 @@
 #include <string_view>
 #include <vector>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/text/Font.h"
 #include "zentrova/platform/text/TextAttributes.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -89,3 +92,5 @@ class StyledText {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

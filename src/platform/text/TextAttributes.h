@@ -8,7 +8,10 @@
 #include <string>
 #include <variant>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/foundation/Color.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -58,3 +61,5 @@ struct TextAttributes {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

@@ -10,7 +10,10 @@
 
 #include <string_view>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/text/Font.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -28,3 +31,5 @@ class TextMeasurer {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

@@ -7,7 +7,10 @@
 #include <memory>
 #include <vector>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/foundation/Geometry.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -56,3 +59,5 @@ class CALayer : public std::enable_shared_from_this<CALayer> {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

@@ -17,7 +17,10 @@
 #include <unordered_set>
 #include <vector>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/ui/SimplexSolver.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -80,3 +83,5 @@ class LayoutEngine {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

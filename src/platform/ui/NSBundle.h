@@ -11,7 +11,10 @@
 #include <string>
 #include <vector>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/foundation/Value.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -38,3 +41,5 @@ class NSBundle {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

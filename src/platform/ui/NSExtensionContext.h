@@ -5,6 +5,10 @@
 
 #include <functional>
 
+#include "zentrova/Export.h"
+
+ZENTROVA_API_BEGIN
+
 namespace zv {
 
 class NSExtensionContext {
@@ -22,3 +26,5 @@ class NSExtensionContext {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

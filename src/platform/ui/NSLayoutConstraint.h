@@ -10,6 +10,9 @@
 #include <memory>
 #include <string>
 #include <vector>
+#include "zentrova/Export.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -112,3 +115,5 @@ class NSLayoutConstraint : public std::enable_shared_from_this<NSLayoutConstrain
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

@@ -6,7 +6,10 @@
 #include <functional>
 #include <memory>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/ui/RunLoop.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -41,3 +44,5 @@ class NSTimer : public std::enable_shared_from_this<NSTimer> {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

@@ -13,6 +13,10 @@
 #include <memory>
 #include <vector>
 
+#include "zentrova/Export.h"
+
+ZENTROVA_API_BEGIN
+
 namespace zv {
 
 class NSTimer;
@@ -68,3 +72,5 @@ class ManualRunLoop : public RunLoop {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

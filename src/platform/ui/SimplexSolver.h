@@ -10,6 +10,10 @@
 #include <unordered_map>
 #include <vector>
 
+#include "zentrova/Export.h"
+
+ZENTROVA_API_BEGIN
+
 namespace zv {
 
 class SimplexSolver {
@@ -92,3 +96,5 @@ class SimplexSolver {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

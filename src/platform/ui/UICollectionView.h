@@ -14,9 +14,12 @@
 #include <optional>
 #include <vector>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/ui/UICollectionViewCell.h"
 #include "zentrova/platform/ui/UICollectionViewFlowLayout.h"
 #include "zentrova/platform/ui/UIView.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -129,3 +132,5 @@ class UICollectionView : public UIView {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

@@ -5,7 +5,10 @@
 
 #include <string>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/ui/UIView.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -38,3 +41,5 @@ class UICollectionViewCell : public UIView {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

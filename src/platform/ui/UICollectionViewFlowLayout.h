@@ -3,7 +3,10 @@
 // edge), from the section inset's left.
 #pragma once
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/foundation/Geometry.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -28,3 +31,5 @@ class UICollectionViewFlowLayout {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

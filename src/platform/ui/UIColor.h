@@ -5,8 +5,11 @@
 // code keeps treating colours as plain RGBA values.
 #pragma once
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/foundation/Color.h"
 #include "zentrova/platform/ui/UITraitCollection.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -19,3 +22,5 @@ class UIColor {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

@@ -8,7 +8,10 @@
 #include <optional>
 #include <vector>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/ui/UIView.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -66,3 +69,5 @@ class UIImageView : public UIView {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

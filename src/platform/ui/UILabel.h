@@ -8,10 +8,13 @@
 #include <memory>
 #include <string>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/text/Font.h"
 #include "zentrova/platform/text/StyledText.h"
 #include "zentrova/platform/text/TextMeasurer.h"
 #include "zentrova/platform/ui/UIView.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -54,3 +57,5 @@ class UILabel : public UIView {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

@@ -2,7 +2,10 @@
 // page when asked to. The background style is kept for drawing. Main thread only.
 #pragma once
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/ui/UIView.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -42,3 +45,5 @@ class UIPageControl : public UIView {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

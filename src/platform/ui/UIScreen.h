@@ -2,7 +2,10 @@
 // screen is process-wide and settable, so tests and the CLI can pick a phone size.
 #pragma once
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/foundation/Geometry.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -20,3 +23,5 @@ class UIScreen {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

@@ -6,7 +6,10 @@
 #include <functional>
 #include <memory>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/foundation/Geometry.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -41,3 +44,5 @@ class UITapGestureRecognizer {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

@@ -5,6 +5,10 @@
 
 #include <optional>
 
+#include "zentrova/Export.h"
+
+ZENTROVA_API_BEGIN
+
 namespace zv {
 
 enum class UIUserInterfaceStyle { kUnspecified = 0, kLight = 1, kDark = 2 };
@@ -18,3 +22,5 @@ struct UITraitCollection {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

@@ -10,11 +10,14 @@
 #include <string>
 #include <vector>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/foundation/Color.h"
 #include "zentrova/platform/foundation/Geometry.h"
 #include "zentrova/platform/ui/CALayer.h"
 #include "zentrova/platform/ui/NSLayoutConstraint.h"
 #include "zentrova/platform/ui/UITraitCollection.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -152,3 +155,5 @@ class UIView : public std::enable_shared_from_this<UIView> {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

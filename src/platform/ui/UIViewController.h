@@ -5,9 +5,12 @@
 
 #include <memory>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/ui/NSExtensionContext.h"
 #include "zentrova/platform/ui/UITraitCollection.h"
 #include "zentrova/platform/ui/UIView.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -33,3 +36,5 @@ class UIViewController {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END

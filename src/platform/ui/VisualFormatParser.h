@@ -9,7 +9,10 @@
 #include <string>
 #include <vector>
 
+#include "zentrova/Export.h"
 #include "zentrova/platform/ui/NSLayoutConstraint.h"
+
+ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -56,3 +59,5 @@ class VisualFormatParser {
 };
 
 }  // namespace zv
+
+ZENTROVA_API_END
