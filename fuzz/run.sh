@@ -23,7 +23,7 @@ for t in "${targets[@]}"; do
   mkdir -p "$corpus"
   cp -n fuzz/seeds/"$t"/* "$corpus"/ 2> /dev/null || true
   log="$build/$t.log"
-  if ASAN_OPTIONS=detect_leaks=1 LSAN_OPTIONS=suppressions=fuzz/lsan.supp UBSAN_OPTIONS=halt_on_error=1:print_stacktrace=1 \
+  if ASAN_OPTIONS=detect_leaks=1 LSAN_OPTIONS=suppressions=$PWD/tests/lsan.supp UBSAN_OPTIONS=halt_on_error=1:print_stacktrace=1 \
     "$build/fuzz/${t}_fuzz" "$corpus" -max_total_time="$seconds" -max_len=65536 \
     -rss_limit_mb=2048 -timeout=10 -artifact_prefix="$build/artifacts/$t-" -print_final_stats=1 \
     > "$log" 2>&1; then

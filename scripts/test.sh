@@ -14,6 +14,7 @@ ctest --preset release -j "$jobs"
 bash scripts/check-install.sh build/release
 cmake --preset asan
 cmake --build --preset asan -j "$jobs" --target zv_tests zvpush zvpush-content
-ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
+ASAN_OPTIONS=detect_leaks=1 LSAN_OPTIONS=suppressions=$PWD/tests/lsan.supp \
+  UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
   ctest --preset asan -j "$jobs"
 bash fuzz/run.sh 60

@@ -9,7 +9,8 @@
 namespace zv {
 
 const Ffmpeg* Ffmpeg::load() {
-  static const std::unique_ptr<const Ffmpeg> loaded = []() -> std::unique_ptr<const Ffmpeg> {
+  // Never destroyed: clips released during the process's exit still find it.
+  static const Ffmpeg* const loaded = []() -> const Ffmpeg* {
     const std::string libraries[] = {"libavutil.so." + std::to_string(LIBAVUTIL_VERSION_MAJOR),
                                      "libswscale.so." + std::to_string(LIBSWSCALE_VERSION_MAJOR),
                                      "libavcodec.so." + std::to_string(LIBAVCODEC_VERSION_MAJOR),
@@ -33,9 +34,9 @@ const Ffmpeg* Ffmpeg::load() {
   if (!functions->name) return nullptr;
     ZV_FFMPEG_FUNCTIONS(ZV_FFMPEG_LOAD)
 #undef ZV_FFMPEG_LOAD
-    return functions;
+    return functions.release();
   }();
-  return loaded.get();
+  return loaded;
 }
 
 }  // namespace zv
