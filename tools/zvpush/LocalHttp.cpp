@@ -15,6 +15,7 @@
 #include <map>
 #include <thread>
 
+#include "ArgParser.h"
 #include "Command.h"
 
 namespace zvpush {
@@ -45,6 +46,14 @@ std::optional<fs::path> resolveUnderRoot(const fs::path& root, const std::string
   auto [r, f] = std::mismatch(root.begin(), root.end(), full.begin(), full.end());
   if (r != root.end() || !fs::is_regular_file(full, ec)) return std::nullopt;
   return full;
+}
+
+int portOption(const ArgParser& parser, int fallback) {
+  double port = parser.number("--port").value_or(fallback);
+  if (port < 0 || port > 65535 || port != static_cast<int>(port)) {
+    throw UsageError("--port needs a whole number from 0 to 65535");
+  }
+  return static_cast<int>(port);
 }
 
 void refuseSharedPorts(httplib::Server& http) {

@@ -12,6 +12,11 @@
 
 namespace zvpush {
 
+class ArgParser;
+
+// The --port option: a whole number from 0 (any free port) to 65535; throws UsageError otherwise.
+int portOption(const ArgParser& parser, int fallback);
+
 // The content type of a file from its extension.
 std::string contentTypeFor(const std::filesystem::path& file);
 

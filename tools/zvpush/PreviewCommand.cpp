@@ -18,6 +18,7 @@
 #ifdef ZVPUSH_CONTENT
 #include "PreviewScene.h"
 #include "PreviewTree.h"
+#include "ScratchFolder.h"
 #include "zentrova/platform/Platform.h"
 #include "zentrova/platform/foundation/Exception.h"
 #include "zentrova/platform/graphics/Renderer.h"
@@ -98,20 +99,6 @@ Options parse(const Args& args) {
   return o;
 }
 
-// A folder of this run, removed when the run ends.
-struct ScratchFolder {
-  std::filesystem::path path;
-  ScratchFolder() {
-    std::string pattern =
-        (std::filesystem::temp_directory_path() / "zvpush-preview-XXXXXX").string();
-    if (mkdtemp(pattern.data())) path = pattern;
-  }
-  ~ScratchFolder() {
-    std::error_code ec;
-    if (!path.empty()) std::filesystem::remove_all(path, ec);
-  }
-};
-
 // The expanded notification over time: a frame every 1/fps seconds of run-loop time from now on
 // (the carousel pages, GIFs play, clips run), drawn and written as an animated WebP in which equal
 // frames in a row are one longer frame. The number of frames written, or nullopt on failure.
@@ -146,7 +133,7 @@ int preview(const Options& o) {
     platform.setStoreDirectory(std::filesystem::absolute(*o.store));
     zv::ZVExtensionDataManager::sharedManager().setAppGroupID(*o.appGroup);
   } else {
-    scratch.emplace();
+    scratch.emplace("zvpush-preview");
     platform.setStoreDirectory(scratch->path);
     zv::ZVExtensionDataManager::sharedManager().setAppGroupID("group.zvpush.preview");
   }

@@ -153,10 +153,7 @@ int run(const Args& args) {
   std::error_code ec;
   fs::path root = fs::canonical(*rootArg, ec);
   if (ec || !fs::is_directory(root)) throw UsageError(*rootArg + " is not a directory");
-  double port = parser.number("--port").value_or(0);
-  if (port < 0 || port > 65535 || port != static_cast<int>(port)) {
-    throw UsageError("--port needs a whole number from 0 to 65535");
-  }
+  int port = portOption(parser, 0);
   double latency = parser.number("--latency").value_or(0);
   if (latency < 0) throw UsageError("--latency needs a number of milliseconds, 0 or more");
   auto cert = parser.value("--tls-cert");
@@ -182,8 +179,7 @@ int run(const Args& args) {
   Server server(root, reports, std::chrono::milliseconds(static_cast<long>(latency)));
   server.install(*http);
 
-  return listenUntilSignalled(*http, static_cast<int>(port), cert ? "https" : "http",
-                              [&] { server.stop(); });
+  return listenUntilSignalled(*http, port, cert ? "https" : "http", [&] { server.stop(); });
 }
 
 #else

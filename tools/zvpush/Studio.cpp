@@ -5,13 +5,13 @@
 #include <boost/json.hpp>
 #include <chrono>
 #include <cstdlib>
-#include <fstream>
 #include <future>
 #include <sstream>
 
 #include "ArgParser.h"
 #include "DeliveredContent.h"
 #include "DownloadExplainer.h"
+#include "JsonIO.h"
 #include "LocalHttp.h"
 #include "PayloadReasons.h"
 #include "PayloadWarnings.h"
@@ -46,13 +46,6 @@ namespace {
 constexpr auto kBudget = std::chrono::seconds(10);
 // The examples name the media server of the README (zvpush serve on port 8765).
 constexpr char kExampleMediaServer[] = "http://127.0.0.1:8765/";
-
-std::string readFile(const fs::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::ostringstream s;
-  s << in.rdbuf();
-  return s.str();
-}
 
 std::string base64(std::string_view bytes) {
   static const char digits[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
@@ -121,7 +114,7 @@ json::value Studio::examples() const {
   bool media = fs::is_directory(root_ / "media", ec);
   json::array out;
   for (const auto& file : files) {
-    std::string text = readFile(file);
+    std::string text = readInput(file);
     for (std::size_t at; media && (at = text.find(kExampleMediaServer)) != std::string::npos;) {
       text.replace(at, std::strlen(kExampleMediaServer), origin_ + "/files/media/");
     }
@@ -198,7 +191,7 @@ json::object Studio::preview(const json::object& request) {
     const auto& a = made[i];
     attachments[i].as_object()["type"] = a->type();
     if (thumbnail.is_null() && a->type().starts_with("image/")) {
-      thumbnail = json::string(dataUrl(a->type(), readFile(a->URL().filePath())));
+      thumbnail = json::string(dataUrl(a->type(), readInput(a->URL().filePath())));
     }
   }
   out["delivered"] = described;
@@ -220,7 +213,7 @@ json::object Studio::preview(const json::object& request) {
     fs::path png = scratch_ / "preview.png";
     json::value image = nullptr;
     if (pixels && zv::PngWriter::write(*pixels, png)) {
-      image = json::string(dataUrl("image/png", readFile(png)));
+      image = json::string(dataUrl("image/png", readInput(png)));
     }
     auto kind = scene.templateKind();
     zv::CGSize size = scene.root()->frame().size;
@@ -259,7 +252,7 @@ void Studio::install(httplib::Server& http) {  // Enough workers for a page's re
       res.status = 404;
       return;
     }
-    res.set_content(readFile(*file), contentTypeFor(*file));
+    res.set_content(readInput(*file), contentTypeFor(*file));
   });
   http.Post("/api/preview", [this, answer](const httplib::Request& req, httplib::Response& res) {
     std::error_code ec;

@@ -1,12 +1,11 @@
 // zvpush studio [--port N] [--root DIR]: a local preview page for the people who send pushes, on
 // 127.0.0.1 (see Studio.h for what it serves). The first line printed is "listening on URL".
 #ifdef ZVPUSH_CONTENT
-#include <stdlib.h>
-
 #include <filesystem>
 #include <iostream>
 
 #include "LocalHttp.h"
+#include "ScratchFolder.h"
 #include "Studio.h"
 #include "zentrova/platform/foundation/Exception.h"
 #endif
@@ -27,30 +26,25 @@ int run(const Args& args) {
   if (!parser.positional().empty()) {
     throw UsageError("unexpected argument " + parser.positional()[0]);
   }
-  double port = parser.number("--port").value_or(8770);
-  if (port < 0 || port > 65535 || port != static_cast<int>(port)) {
-    throw UsageError("--port needs a whole number from 0 to 65535");
-  }
+  int port = portOption(parser, 8770);
   std::string rootArg = parser.value("--root").value_or("examples");
   std::error_code ec;
   fs::path root = fs::canonical(rootArg, ec);
   if (ec || !fs::is_directory(root)) throw InputError(rootArg + " is not a directory");
 
-  std::string pattern = (fs::temp_directory_path() / "zvpush-studio-XXXXXX").string();
-  if (!mkdtemp(pattern.data())) throw InputError("cannot make a scratch folder");
-  fs::path scratch = pattern;
+  ScratchFolder scratch("zvpush-studio");
+  if (scratch.path.empty()) throw InputError("cannot make a scratch folder");
   int code = kFailure;
   try {
-    Studio studio(root, scratch);
+    Studio studio(root, scratch.path);
     httplib::Server http;
     studio.install(http);
     code = listenUntilSignalled(
-        http, static_cast<int>(port), "http", [] {},
+        http, port, "http", [] {},
         [&](int bound) { studio.setOrigin("http://127.0.0.1:" + std::to_string(bound)); });
   } catch (const zv::Exception& e) {
     std::cerr << "zvpush: " << e.reason() << "\n";
   }
-  fs::remove_all(scratch, ec);
   return code;
 #else
   return runContentProgram("studio", args);

@@ -18,7 +18,6 @@ std::string dotted(unsigned version) {
 }  // namespace
 
 LibraryVersions::List LibraryVersions::content() {
-  int webp = WebPGetDecoderVersion();
   const Ffmpeg* ff = Ffmpeg::load();  // loaded on demand: asking for its version loads it
   std::string ffmpeg =
       ff ? fmt::format("{} (libavformat {}, libavcodec {})", ff->av_version_info(),
@@ -27,7 +26,7 @@ LibraryVersions::List LibraryVersions::content() {
   return {{"Pango", pango_version_string()},
           {"Cairo", cairo_version_string()},
           {"FFmpeg", ffmpeg},
-          {"libwebp", fmt::format("{}.{}.{}", webp >> 16, (webp >> 8) & 0xFF, webp & 0xFF)}};
+          {"libwebp", dotted(static_cast<unsigned>(WebPGetDecoderVersion()))}};
 }
 
 }  // namespace zv

@@ -48,7 +48,7 @@ Inspected inspect(const json::object& payload, const std::string& flags = "") {
   return {r.exit, r.out.empty() ? json::value() : json::parse(r.out)};
 }
 
-TEST(InspectAdviceTest, EachWarningFromItsOneFault) {
+TEST(PlanAdviceTest, EachWarningFromItsOneFault) {
   struct Case {
     const char* code;
     std::function<void(json::object&)> fault;
@@ -120,7 +120,7 @@ TEST(InspectAdviceTest, EachWarningFromItsOneFault) {
   }
 }
 
-TEST(InspectAdviceTest, EachReasonFromItsOneFault) {
+TEST(PlanAdviceTest, EachReasonFromItsOneFault) {
   struct Case {
     std::function<void(json::object&)> fault;
     std::string path;
@@ -201,7 +201,7 @@ TEST(InspectAdviceTest, EachReasonFromItsOneFault) {
   }
 }
 
-TEST(InspectAdviceTest, TheLibrarysLogStaysAsItIs) {
+TEST(PlanAdviceTest, TheLibrarysLogStaysAsItIs) {
   json::object payload = clean();
   at(payload, {"zovFeatures", "richPush"}).as_object().erase("title");
   auto r = inspect(payload);

@@ -22,7 +22,7 @@ std::pair<int, std::string> inspect(const std::string& contents) {
   return {run.exit, run.out};
 }
 
-TEST(InspectCommandTest, ExplainsWhyThereIsNoRichContentOrMedia) {
+TEST(PlanCommandTest, ExplainsWhyThereIsNoRichContentOrMedia) {
   auto [status, out] = inspect(zvtest::readFile(ZV_SOURCE_DIR "/examples/missing-title.json"));
   zv::Value v = zv::Value::parse(out);
   EXPECT_TRUE(v.get("richPush").isNull());
@@ -38,7 +38,7 @@ TEST(InspectCommandTest, ExplainsWhyThereIsNoRichContentOrMedia) {
                              R"(notification: expected a string but found number"])"));
 }
 
-TEST(InspectCommandTest, InputThatIsNotAJsonObjectIsAUsageError) {
+TEST(PlanCommandTest, InputThatIsNotAJsonObjectIsAUsageError) {
   struct Case {
     std::string text, says;
   } cases[] = {{"{\"a\":", "line 1, column 6"},
@@ -56,7 +56,7 @@ TEST(InspectCommandTest, InputThatIsNotAJsonObjectIsAUsageError) {
 
 // inspect and service run the same plan: on every example and on payloads whose rewrite or media
 // listing raises, they agree on the texts shown, the media attached and the messages logged.
-TEST(InspectCommandTest, AgreesWithTheServiceOnEveryExample) {
+TEST(PlanCommandTest, AgreesWithTheServiceOnEveryExample) {
   zvtest::TempDir dir;
   zvtest::LocalServer server;
   const std::filesystem::path examples = ZV_SOURCE_DIR "/examples";
