@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "zentrova/platform/graphics/CGImageSource.h"
+#include "platform/graphics/CGImageSource.h"
 
 namespace {
 

@@ -3,8 +3,8 @@
 // re-solve). Compare BM_Relayout with BM_FullLayout at the same N.
 #include <benchmark/benchmark.h>
 
-#include "zentrova/platform/ui/NSLayoutConstraint.h"
-#include "zentrova/platform/ui/UIView.h"
+#include "platform/ui/NSLayoutConstraint.h"
+#include "zentrova/UIView.h"
 
 namespace {
 

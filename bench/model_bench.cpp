@@ -7,8 +7,9 @@
 #include <chrono>
 #include <string>
 
-#include "zentrova/model/ZVPushPayload.h"
-#include "zentrova/model/ZVRichPush.h"
+#include "model/ZVPushPayload.h"
+#include "model/ZVRichPush.h"
+#include "platform/foundation/Clock.h"
 
 namespace {
 

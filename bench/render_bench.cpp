@@ -4,12 +4,13 @@
 #include <benchmark/benchmark.h>
 #include <cairo.h>
 
-#include "zentrova/platform/graphics/Renderer.h"
-#include "zentrova/platform/graphics/UIImage.h"
-#include "zentrova/platform/text/PangoTextMeasurer.h"
-#include "zentrova/platform/ui/UIColor.h"
-#include "zentrova/platform/ui/UIImageView.h"
-#include "zentrova/platform/ui/UILabel.h"
+#include "platform/graphics/PixelBuffer.h"
+#include "platform/graphics/UIImage.h"
+#include "platform/text/PangoTextMeasurer.h"
+#include "platform/ui/UIColor.h"
+#include "platform/ui/UIImageView.h"
+#include "platform/ui/UILabel.h"
+#include "zentrova/Renderer.h"
 
 namespace {
 

@@ -10,11 +10,12 @@
 #include <filesystem>
 #include <string>
 
-#include "zentrova/platform/Platform.h"
-#include "zentrova/platform/defaults/UserDefaults.h"
-#include "zentrova/platform/foundation/Value.h"
-#include "zentrova/reporting/ZVExtensionNetworkManager.h"
-#include "zentrova/store/ZVExtensionDataManager.h"
+#include "platform/foundation/Clock.h"
+#include "reporting/ZVExtensionNetworkManager.h"
+#include "zentrova/Platform.h"
+#include "zentrova/UserDefaults.h"
+#include "zentrova/Value.h"
+#include "zentrova/ZVExtensionDataManager.h"
 
 namespace {
 

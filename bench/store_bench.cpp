@@ -24,11 +24,11 @@
 #include <stdexcept>
 #include <string>
 
-#include "zentrova/model/ZVPushPayload.h"
-#include "zentrova/model/ZVRichNotifUtils.h"
-#include "zentrova/platform/Platform.h"
-#include "zentrova/platform/defaults/UserDefaults.h"
-#include "zentrova/store/ZVExtensionDataManager.h"
+#include "model/ZVPushPayload.h"
+#include "model/ZVRichNotifUtils.h"
+#include "zentrova/Platform.h"
+#include "zentrova/UserDefaults.h"
+#include "zentrova/ZVExtensionDataManager.h"
 
 namespace {
 

@@ -10,19 +10,19 @@
 #include <fstream>
 #include <iterator>
 
-#include "zentrova/model/ZVRichNotifUtils.h"
-#include "zentrova/platform/Platform.h"
-#include "zentrova/platform/foundation/Error.h"
-#include "zentrova/platform/graphics/ImageDecoder.h"
-#include "zentrova/platform/notifications/UNMutableNotificationContent.h"
-#include "zentrova/platform/notifications/UNNotification.h"
-#include "zentrova/platform/notifications/UNNotificationAttachment.h"
-#include "zentrova/platform/notifications/UNNotificationRequest.h"
-#include "zentrova/platform/text/PangoTextMeasurer.h"
-#include "zentrova/platform/ui/NSBundle.h"
-#include "zentrova/platform/ui/UIViewController.h"
-#include "zentrova/resources/ZVInterfaceFiles.h"
-#include "zentrova/templates/ZVPushTemplateHandler.h"
+#include "model/ZVRichNotifUtils.h"
+#include "platform/graphics/ImageDecoder.h"
+#include "platform/text/PangoTextMeasurer.h"
+#include "platform/ui/NSBundle.h"
+#include "resources/ZVInterfaceFiles.h"
+#include "zentrova/Error.h"
+#include "zentrova/Platform.h"
+#include "zentrova/UIViewController.h"
+#include "zentrova/UNMutableNotificationContent.h"
+#include "zentrova/UNNotification.h"
+#include "zentrova/UNNotificationAttachment.h"
+#include "zentrova/UNNotificationRequest.h"
+#include "zentrova/ZVPushTemplateHandler.h"
 
 namespace {
 

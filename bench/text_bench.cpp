@@ -8,8 +8,8 @@
 
 #include <string>
 
-#include "zentrova/model/ZVRichNotifUtils.h"
-#include "zentrova/platform/text/PangoTextMeasurer.h"
+#include "model/ZVRichNotifUtils.h"
+#include "platform/text/PangoTextMeasurer.h"
 
 namespace {
 

@@ -1,13 +1,12 @@
-# cmake --install: the public headers under include/zentrova (the src/ layout kept below it, and
-# the generated Version.h), the two libraries, both programs, a CMake package
+# cmake --install: the public headers (include/zentrova and the generated Version.h), the two libraries, both programs, a CMake package
 # (find_package(zentrova 0.2) gives zentrova::service and zentrova::content) and a pkg-config file
 # per library. The build tree exports the same package, for a host built against it.
 include(CMakePackageConfigHelpers)
 set(zv_cmake_dir ${CMAKE_INSTALL_LIBDIR}/cmake/zentrova)
 
-# Ffmpeg.h stays inside: it needs FFmpeg's headers, which a host does not.
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/src/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zentrova
-        FILES_MATCHING PATTERN "*.h" PATTERN "Ffmpeg.h" EXCLUDE)
+# Only the public headers: everything under src/ stays inside.
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/zentrova/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zentrova
+        FILES_MATCHING PATTERN "*.h")
 install(FILES ${PROJECT_BINARY_DIR}/generated/zentrova/Version.h
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zentrova)
 install(TARGETS zv_service zv_content EXPORT zentrovaTargets
@@ -24,8 +23,11 @@ install(FILES ${PROJECT_BINARY_DIR}/zentrovaConfig.cmake
               ${PROJECT_BINARY_DIR}/zentrovaConfigVersion.cmake
               ${PROJECT_SOURCE_DIR}/cmake/zentrovaDependencies.cmake DESTINATION ${zv_cmake_dir})
 
-# The build tree as a package: zentrova_DIR=<build folder>.
+# The build tree as a package: zentrova_DIR=<build folder>. Only there, zentrova::internal (both
+# sides with their internal headers) is found too, for programs that test the internals.
 export(EXPORT zentrovaTargets NAMESPACE zentrova:: FILE ${PROJECT_BINARY_DIR}/zentrovaTargets.cmake)
+export(TARGETS zv_internal zv_content_internal zv_service_internal NAMESPACE zentrova::
+       FILE ${PROJECT_BINARY_DIR}/zentrovaInternalTargets.cmake)
 configure_file(${PROJECT_SOURCE_DIR}/cmake/zentrovaDependencies.cmake
                ${PROJECT_BINARY_DIR}/zentrovaDependencies.cmake COPYONLY)
 

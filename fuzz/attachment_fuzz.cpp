@@ -5,9 +5,9 @@
 #include <fstream>
 
 #include "FuzzInput.h"
-#include "zentrova/platform/foundation/Error.h"
-#include "zentrova/platform/foundation/Url.h"
-#include "zentrova/platform/notifications/UNNotificationAttachment.h"
+#include "zentrova/Error.h"
+#include "zentrova/UNNotificationAttachment.h"
+#include "zentrova/Url.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   auto file = zvfuzz::scratch() / "media.bin";

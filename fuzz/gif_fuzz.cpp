@@ -4,8 +4,8 @@
 #include <cstdlib>
 
 #include "FuzzInput.h"
-#include "zentrova/platform/graphics/CGImageSource.h"
-#include "zentrova/templates/ZVRichPushGif.h"
+#include "platform/graphics/CGImageSource.h"
+#include "templates/ZVRichPushGif.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   auto bytes = std::make_shared<const std::string>(zvfuzz::text(data, size));

@@ -4,8 +4,8 @@
 #include <cstdlib>
 
 #include "FuzzInput.h"
-#include "zentrova/model/ZVRichNotifUtils.h"
-#include "zentrova/platform/text/StyledText.h"
+#include "model/ZVRichNotifUtils.h"
+#include "platform/text/StyledText.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   std::string html = zvfuzz::text(data, size);

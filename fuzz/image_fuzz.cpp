@@ -3,7 +3,7 @@
 #include <cstdlib>
 
 #include "FuzzInput.h"
-#include "zentrova/platform/graphics/UIImage.h"
+#include "platform/graphics/UIImage.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   auto image = zv::UIImage::imageWithData(zvfuzz::text(data, size));

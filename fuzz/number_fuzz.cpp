@@ -5,8 +5,8 @@
 #include <cstdlib>
 
 #include "FuzzInput.h"
-#include "zentrova/platform/foundation/ExactJson.h"
-#include "zentrova/platform/foundation/Exception.h"
+#include "platform/foundation/ExactJson.h"
+#include "zentrova/Exception.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   std::string text = zvfuzz::text(data, size);

@@ -5,11 +5,11 @@
 #include <cstdlib>
 
 #include "FuzzInput.h"
-#include "zentrova/platform/foundation/Exception.h"
-#include "zentrova/platform/foundation/Value.h"
-#include "zentrova/platform/notifications/UNNotificationRequest.h"
-#include "zentrova/service/ServicePlan.h"
-#include "zentrova/service/ZVRichNotificationHandler.h"
+#include "service/ServicePlan.h"
+#include "service/ZVRichNotificationHandler.h"
+#include "zentrova/Exception.h"
+#include "zentrova/UNNotificationRequest.h"
+#include "zentrova/Value.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   zv::Value payload;

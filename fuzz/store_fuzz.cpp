@@ -4,9 +4,9 @@
 #include <cstdlib>
 
 #include "FuzzInput.h"
-#include "zentrova/platform/defaults/UserDefaults.h"
-#include "zentrova/platform/foundation/Exception.h"
-#include "zentrova/platform/foundation/Value.h"
+#include "zentrova/Exception.h"
+#include "zentrova/UserDefaults.h"
+#include "zentrova/Value.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   zv::Value value;

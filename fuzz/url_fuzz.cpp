@@ -4,7 +4,7 @@
 #include <cstdlib>
 
 #include "FuzzInput.h"
-#include "zentrova/model/ZVRichNotifUtils.h"
+#include "model/ZVRichNotifUtils.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   auto url = zv::ZVRichNotifUtils::getURLFromString(zvfuzz::text(data, size));

@@ -4,9 +4,9 @@
 #include <cstdlib>
 
 #include "FuzzInput.h"
-#include "zentrova/platform/foundation/Exception.h"
-#include "zentrova/platform/ui/NSLayoutConstraint.h"
-#include "zentrova/platform/ui/UIView.h"
+#include "platform/ui/NSLayoutConstraint.h"
+#include "zentrova/Exception.h"
+#include "zentrova/UIView.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   auto root = zv::UIView::make(zv::CGRect{{0, 0}, {375, 600}});

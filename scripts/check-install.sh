@@ -1,6 +1,8 @@
 #!/usr/bin/env bash
 # Installs a build into a temporary prefix and checks it as a host project would use it: the
 # install tree holds the headers, libraries, programs, CMake package and pkg-config files it must;
+# its include folder holds exactly the public headers (include/zentrova and the generated
+# Version.h), each of which compiles on its own with nothing but the installed ones;
 # examples/host builds with find_package(zentrova) against the install and against the build tree,
 # and runs (service flow against a local zvpush serve, then the content view drawn to a PNG); a
 # consumer compiles and links with pkg-config alone.
@@ -13,9 +15,9 @@ prefix=$work/prefix
 cmake --install "$build" --prefix "$prefix" > /dev/null
 
 failed=0
-for f in bin/zvpush bin/zvpush-content include/zentrova/Version.h \
-  include/zentrova/service/ZVRichNotification.h include/zentrova/templates/ZVPushTemplateHandler.h \
-  include/zentrova/model/ZVPushPayload.h lib/cmake/zentrova/zentrovaConfig.cmake \
+for f in bin/zvpush bin/zvpush-content include/zentrova/Version.h include/zentrova/zentrova.h \
+  include/zentrova/ZVRichNotification.h include/zentrova/ZVPushTemplateHandler.h \
+  lib/cmake/zentrova/zentrovaConfig.cmake \
   lib/cmake/zentrova/zentrovaConfigVersion.cmake lib/cmake/zentrova/zentrovaTargets.cmake \
   lib/cmake/zentrova/zentrovaDependencies.cmake lib/pkgconfig/zentrova-service.pc \
   lib/pkgconfig/zentrova-content.pc; do
@@ -27,7 +29,24 @@ if find "$prefix/include" -type f ! -name '*.h' | grep -q .; then
   echo "check-install: files other than headers under include/"
   failed=1
 fi
-headers=$(find "$prefix/include/zentrova" -name '*.h' | wc -l)
+public=$( (cd include && find zentrova -name '*.h'; echo zentrova/Version.h) | sort)
+installed=$(cd "$prefix/include" && find . -type f | sed 's|^\./||' | sort)
+if [ "$public" != "$installed" ]; then
+  echo "check-install: the installed headers are not the public ones:"
+  diff <(echo "$public") <(echo "$installed") | grep '^[<>]' | sed 's/^</  missing:/; s/^>/  not public:/'
+  failed=1
+fi
+# A public header includes only public headers and compiles alone against the install.
+deps=$(PKG_CONFIG_PATH=$prefix/lib/pkgconfig pkg-config --cflags zentrova-content)
+for h in $installed; do
+  grep -o '#include "[^"]*"' "$prefix/include/$h" | sed 's/#include "//; s/"$//' | while read -r inc; do
+    grep -qx "$inc" <<< "$installed" || echo "check-install: $h includes $inc, which is not public"
+  done | grep . && failed=1
+  # shellcheck disable=SC2086
+  echo "#include <$h>" | c++ -std=c++20 -fsyntax-only -x c++ - -I"$prefix/include" $deps ||
+    { echo "check-install: $h does not compile on its own"; failed=1; }
+done
+headers=$(echo "$installed" | wc -l)
 echo "check-install: $headers headers, $(ls "$prefix/lib" | grep -c zentrova) library files"
 
 source scripts/local-server.sh
@@ -49,16 +68,45 @@ for tree in install build; do
   echo "check-install: host example against the $tree tree: $(tail -n 1 "$work/host-$tree.out")"
 done
 
-cat > "$work/consumer.cpp" <<'CPP'
-#include <zentrova/Version.h>
-#include <zentrova/model/ZVPushPayload.h>
-#include <zentrova/platform/LibraryVersions.h>
+# The internals are reachable from the build tree only: zentrova::internal.
+mkdir -p "$work/internal"
+cat > "$work/internal/CMakeLists.txt" <<'CMAKE'
+cmake_minimum_required(VERSION 3.25)
+project(internal_consumer CXX)
+set(CMAKE_CXX_STANDARD 20)
+find_package(zentrova REQUIRED)
+add_executable(internal_consumer main.cpp)
+target_link_libraries(internal_consumer PRIVATE zentrova::internal)
+CMAKE
+cat > "$work/internal/main.cpp" <<'CPP'
 #include <cstdio>
+#include "model/ZVPushPayload.h"
 int main() {
   auto payload = zv::ZVPushPayload::initWithPushPayload(
       zv::Value::parse(R"({"zentrova": {"cid": "c"}})"));
-  std::printf("%s %d %zu\n", zv::kVersionString, payload->shouldProcessPushNotification(),
-              zv::LibraryVersions::content().size());
+  std::printf("%d\n", payload->shouldProcessPushNotification());
+  return 0;
+}
+CPP
+if cmake -S "$work/internal" -B "$work/internal/build" -G Ninja -Dzentrova_DIR="$build" \
+  > "$work/internal.log" 2>&1 && cmake --build "$work/internal/build" >> "$work/internal.log" 2>&1 &&
+  [ "$("$work/internal/build/internal_consumer")" = 1 ]; then
+  echo "check-install: zentrova::internal from the build tree builds and runs"
+else
+  cat "$work/internal.log"; echo "check-install: zentrova::internal from the build tree fails"; failed=1
+fi
+if cmake -S "$work/internal" -B "$work/internal/installed" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" \
+  > /dev/null 2>&1 && cmake --build "$work/internal/installed" > /dev/null 2>&1; then
+  echo "check-install: zentrova::internal is reachable from the install"; failed=1
+fi
+
+cat > "$work/consumer.cpp" <<'CPP'
+#include <zentrova/zentrova.h>
+#include <cstdio>
+int main() {
+  auto request = zv::UNNotificationRequest::requestWithRemoteNotification(
+      "c", zv::Value::parse(R"({"aps": {"alert": "hello"}})"));
+  std::printf("%s %s\n", zv::kVersionString, request->content()->body().c_str());
   return 0;
 }
 CPP
@@ -67,7 +115,7 @@ export PKG_CONFIG_PATH=$prefix/lib/pkgconfig
 c++ "$work/consumer.cpp" -o "$work/consumer" $(pkg-config --cflags --libs zentrova-content)
 # (A shared build's libraries are found through LD_LIBRARY_PATH: pkg-config gives no run path.)
 printed=$(LD_LIBRARY_PATH=$prefix/lib "$work/consumer" || true)
-if [ "$printed" = "$(sed -n 's/^zentrova //p' "$work/host-install.out") 1 4" ]; then
+if [ "$printed" = "$(sed -n 's/^zentrova //p' "$work/host-install.out") hello" ]; then
   echo "check-install: a consumer built with pkg-config alone runs"
 else
   echo "check-install: the pkg-config consumer printed '$printed'"

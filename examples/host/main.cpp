@@ -6,20 +6,7 @@
 //  3. the notification-content extension shows the delivered notification: Zentrova adds its
 //     template to the controller's view, which is drawn here into a PNG.
 // Usage: zentrova-host PAYLOAD.json OUT.png [REPORTS_PORT]
-#include <zentrova/Version.h>
-#include <zentrova/platform/Platform.h>
-#include <zentrova/platform/defaults/UserDefaults.h>
-#include <zentrova/platform/foundation/Exception.h>
-#include <zentrova/platform/graphics/Renderer.h>
-#include <zentrova/platform/notifications/UNMutableNotificationContent.h>
-#include <zentrova/platform/notifications/UNNotification.h>
-#include <zentrova/platform/notifications/UNNotificationRequest.h>
-#include <zentrova/platform/text/PangoTextMeasurer.h>
-#include <zentrova/platform/ui/NSBundle.h>
-#include <zentrova/platform/ui/UIViewController.h>
-#include <zentrova/resources/ZVInterfaceFiles.h>
-#include <zentrova/service/ZVRichNotification.h>
-#include <zentrova/templates/ZVPushTemplateHandler.h>
+#include <zentrova/zentrova.h>
 
 #include <chrono>
 #include <cstdio>
@@ -69,8 +56,6 @@ std::shared_ptr<zv::UNNotificationContent> serviceExtension(const zv::Value& pay
 
 // The notification-content extension: the expanded view of the notification, drawn to a PNG.
 bool contentExtension(const std::shared_ptr<zv::UNNotificationContent>& content, const char* png) {
-  zv::ZVInterfaceFiles::registerWithBundle(zv::NSBundle::mainBundle(),
-                                           std::make_shared<zv::PangoTextMeasurer>());
   auto notification = zv::UNNotification::notificationWithRequest(
       zv::UNNotificationRequest::requestWithIdentifier("host-1", content), 0);
   auto controller = std::make_shared<zv::UIViewController>();

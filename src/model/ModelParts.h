@@ -8,13 +8,10 @@
 #include <string_view>
 #include <vector>
 
-#include "zentrova/Export.h"
-#include "zentrova/model/PayloadKeys.h"
-#include "zentrova/model/ZVRichNotifUtils.h"
-#include "zentrova/platform/foundation/Color.h"
-#include "zentrova/platform/foundation/Value.h"
-
-ZENTROVA_API_BEGIN
+#include "model/PayloadKeys.h"
+#include "model/ZVRichNotifUtils.h"
+#include "zentrova/Color.h"
+#include "zentrova/Value.h"
 
 namespace zv::model {
 
@@ -48,5 +45,3 @@ inline ColorRef backgroundColor(const Value& dict) {
 inline bool isString(const Value& v, std::string_view s) { return v.isString() && v.string() == s; }
 
 }  // namespace zv::model
-
-ZENTROVA_API_END

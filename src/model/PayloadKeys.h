@@ -4,10 +4,6 @@
 // sender writes into them (template, widget, action and navigation names).
 #pragma once
 
-#include "zentrova/Export.h"
-
-ZENTROVA_API_BEGIN
-
 namespace zv {
 
 // ---- Keys ----
@@ -72,5 +68,3 @@ inline constexpr char kPushPayloadValActionTypeRichLanding[] = "richLanding";
 inline constexpr char kPushPayloadValActionTypeScreenNav[] = "screenName";
 
 }  // namespace zv
-
-ZENTROVA_API_END

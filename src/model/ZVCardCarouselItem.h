@@ -5,10 +5,6 @@
 #include <cstdint>
 #include <memory>
 
-#include "zentrova/Export.h"
-
-ZENTROVA_API_BEGIN
-
 namespace zv {
 
 class ZVPushCard;
@@ -22,5 +18,3 @@ struct ZVCardCarouselItem {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

@@ -1,6 +1,6 @@
-#include "zentrova/model/ZVMedia.h"
+#include "model/ZVMedia.h"
 
-#include "zentrova/model/ZVRichNotifUtils.h"
+#include "model/ZVRichNotifUtils.h"
 
 namespace zv {
 

@@ -8,11 +8,8 @@
 #include <optional>
 #include <string>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/foundation/Url.h"
-#include "zentrova/platform/foundation/Value.h"
-
-ZENTROVA_API_BEGIN
+#include "zentrova/Url.h"
+#include "zentrova/Value.h"
 
 namespace zv {
 
@@ -34,5 +31,3 @@ class ZVMedia {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

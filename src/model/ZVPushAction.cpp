@@ -1,6 +1,6 @@
-#include "zentrova/model/ZVPushAction.h"
+#include "model/ZVPushAction.h"
 
-#include "zentrova/model/ModelParts.h"
+#include "model/ModelParts.h"
 
 namespace zv {
 

@@ -7,10 +7,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/foundation/Value.h"
-
-ZENTROVA_API_BEGIN
+#include "zentrova/Value.h"
 
 namespace zv {
 
@@ -40,5 +37,3 @@ class ZVPushAction {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

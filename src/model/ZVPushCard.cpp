@@ -1,8 +1,8 @@
-#include "zentrova/model/ZVPushCard.h"
+#include "model/ZVPushCard.h"
 
-#include "zentrova/model/ModelParts.h"
-#include "zentrova/model/ZVPushAction.h"
-#include "zentrova/model/ZVPushWidget.h"
+#include "model/ModelParts.h"
+#include "model/ZVPushAction.h"
+#include "model/ZVPushWidget.h"
 
 namespace zv {
 

@@ -6,11 +6,8 @@
 #include <memory>
 #include <vector>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/foundation/Color.h"
-#include "zentrova/platform/foundation/Value.h"
-
-ZENTROVA_API_BEGIN
+#include "zentrova/Color.h"
+#include "zentrova/Value.h"
 
 namespace zv {
 
@@ -30,5 +27,3 @@ class ZVPushCard {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

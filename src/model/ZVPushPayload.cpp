@@ -1,9 +1,9 @@
-#include "zentrova/model/ZVPushPayload.h"
+#include "model/ZVPushPayload.h"
 
-#include "zentrova/model/PayloadKeys.h"
-#include "zentrova/model/ZVRichNotifUtils.h"
-#include "zentrova/model/ZVRichPush.h"
-#include "zentrova/platform/foundation/Exception.h"
+#include "model/PayloadKeys.h"
+#include "model/ZVRichNotifUtils.h"
+#include "model/ZVRichPush.h"
+#include "zentrova/Exception.h"
 
 namespace zv {
 

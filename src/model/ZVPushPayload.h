@@ -6,10 +6,7 @@
 
 #include <memory>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/foundation/Value.h"
-
-ZENTROVA_API_BEGIN
+#include "zentrova/Value.h"
 
 namespace zv {
 
@@ -36,5 +33,3 @@ class ZVPushPayload {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

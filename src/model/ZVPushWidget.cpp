@@ -1,7 +1,7 @@
-#include "zentrova/model/ZVPushWidget.h"
+#include "model/ZVPushWidget.h"
 
-#include "zentrova/model/ModelParts.h"
-#include "zentrova/model/ZVPushAction.h"
+#include "model/ModelParts.h"
+#include "model/ZVPushAction.h"
 
 namespace zv {
 

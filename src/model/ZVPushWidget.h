@@ -6,11 +6,8 @@
 #include <memory>
 #include <vector>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/foundation/Color.h"
-#include "zentrova/platform/foundation/Value.h"
-
-ZENTROVA_API_BEGIN
+#include "zentrova/Color.h"
+#include "zentrova/Value.h"
 
 namespace zv {
 
@@ -36,5 +33,3 @@ class ZVPushWidget {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

@@ -1,4 +1,4 @@
-#include "zentrova/model/ZVRichNotifUtils.h"
+#include "model/ZVRichNotifUtils.h"
 
 #include <fmt/format.h>
 
@@ -6,9 +6,9 @@
 #include <cmath>
 #include <cstdint>
 
-#include "zentrova/platform/foundation/Clock.h"
-#include "zentrova/platform/foundation/Exception.h"
-#include "zentrova/platform/foundation/Log.h"
+#include "platform/foundation/Clock.h"
+#include "platform/foundation/Log.h"
+#include "zentrova/Exception.h"
 
 namespace zv {
 

@@ -12,12 +12,9 @@
 #include <string>
 #include <string_view>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/foundation/Color.h"
-#include "zentrova/platform/foundation/Url.h"
-#include "zentrova/platform/foundation/Value.h"
-
-ZENTROVA_API_BEGIN
+#include "zentrova/Color.h"
+#include "zentrova/Url.h"
+#include "zentrova/Value.h"
 
 namespace zv {
 
@@ -94,5 +91,3 @@ class ZVRichNotifUtils {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

@@ -2,10 +2,10 @@
 
 #include <fmt/format.h>
 
-#include "zentrova/model/ZVRichNotifUtils.h"
-#include "zentrova/platform/foundation/Exception.h"
-#include "zentrova/platform/foundation/FileManager.h"
-#include "zentrova/platform/notifications/UNNotificationAttachment.h"
+#include "model/ZVRichNotifUtils.h"
+#include "platform/foundation/FileManager.h"
+#include "zentrova/Exception.h"
+#include "zentrova/UNNotificationAttachment.h"
 
 namespace zv {
 

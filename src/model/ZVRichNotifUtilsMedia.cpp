@@ -3,8 +3,8 @@
 // attachment of a widget again from the widget's URL alone).
 #include <algorithm>
 
-#include "zentrova/model/ZVRichNotifUtils.h"
-#include "zentrova/platform/foundation/Md5.h"
+#include "model/ZVRichNotifUtils.h"
+#include "platform/foundation/Md5.h"
 
 namespace zv {
 

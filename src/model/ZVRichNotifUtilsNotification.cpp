@@ -1,7 +1,7 @@
 // ZVRichNotifUtils: the payload of a delivered notification.
 
-#include "zentrova/model/ZVRichNotifUtils.h"
-#include "zentrova/platform/notifications/UNNotification.h"
+#include "model/ZVRichNotifUtils.h"
+#include "zentrova/UNNotification.h"
 
 namespace zv {
 

@@ -7,12 +7,12 @@
 #include <cstdint>
 #include <vector>
 
-#include "zentrova/model/ZVRichNotifUtils.h"
-#include "zentrova/platform/foundation/Exception.h"
-#include "zentrova/platform/foundation/Log.h"
-#include "zentrova/platform/text/HtmlImporter.h"
-#include "zentrova/platform/text/StyledText.h"
-#include "zentrova/platform/text/TextMeasurer.h"
+#include "model/ZVRichNotifUtils.h"
+#include "platform/foundation/Log.h"
+#include "platform/text/HtmlImporter.h"
+#include "platform/text/StyledText.h"
+#include "platform/text/TextMeasurer.h"
+#include "zentrova/Exception.h"
 
 namespace zv {
 

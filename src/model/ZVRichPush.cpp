@@ -1,8 +1,8 @@
-#include "zentrova/model/ZVRichPush.h"
+#include "model/ZVRichPush.h"
 
-#include "zentrova/model/ModelParts.h"
-#include "zentrova/model/ZVPushAction.h"
-#include "zentrova/model/ZVRichPushMode.h"
+#include "model/ModelParts.h"
+#include "model/ZVPushAction.h"
+#include "model/ZVRichPushMode.h"
 
 namespace zv {
 

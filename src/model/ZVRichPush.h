@@ -7,10 +7,7 @@
 #include <memory>
 #include <vector>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/foundation/Value.h"
-
-ZENTROVA_API_BEGIN
+#include "zentrova/Value.h"
 
 namespace zv {
 
@@ -35,5 +32,3 @@ class ZVRichPush {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

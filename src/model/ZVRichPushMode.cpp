@@ -1,7 +1,7 @@
-#include "zentrova/model/ZVRichPushMode.h"
+#include "model/ZVRichPushMode.h"
 
-#include "zentrova/model/ModelParts.h"
-#include "zentrova/model/ZVPushCard.h"
+#include "model/ModelParts.h"
+#include "model/ZVPushCard.h"
 
 namespace zv {
 

@@ -6,11 +6,8 @@
 #include <memory>
 #include <vector>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/foundation/Color.h"
-#include "zentrova/platform/foundation/Value.h"
-
-ZENTROVA_API_BEGIN
+#include "zentrova/Color.h"
+#include "zentrova/Value.h"
 
 namespace zv {
 
@@ -34,5 +31,3 @@ class ZVRichPushMode {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

@@ -1,4 +1,4 @@
-#include "zentrova/platform/LibraryVersions.h"
+#include "platform/LibraryVersions.h"
 
 #include <curl/curl.h>
 #include <openssl/crypto.h>

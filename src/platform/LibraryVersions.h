@@ -8,10 +8,6 @@
 #include <utility>
 #include <vector>
 
-#include "zentrova/Export.h"
-
-ZENTROVA_API_BEGIN
-
 namespace zv {
 
 struct LibraryVersions {
@@ -23,5 +19,3 @@ struct LibraryVersions {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

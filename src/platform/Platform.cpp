@@ -1,12 +1,13 @@
-#include "zentrova/platform/Platform.h"
+#include "zentrova/Platform.h"
 
 #include <cstdlib>
 
-#include "zentrova/platform/foundation/FileManager.h"
-#include "zentrova/platform/foundation/SystemVersion.h"
-#include "zentrova/platform/net/UrlSession.h"
-#include "zentrova/platform/notifications/NotificationCenter.h"
-#include "zentrova/platform/text/TextMeasurer.h"
+#include "platform/foundation/Clock.h"
+#include "platform/foundation/FileManager.h"
+#include "platform/foundation/SystemVersion.h"
+#include "platform/net/UrlSession.h"
+#include "platform/notifications/NotificationCenter.h"
+#include "platform/text/TextMeasurer.h"
 
 namespace zv {
 

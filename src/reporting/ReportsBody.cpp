@@ -1,9 +1,9 @@
-#include "zentrova/reporting/ReportsBody.h"
+#include "reporting/ReportsBody.h"
 
 #include <boost/json/serializer.hpp>
 #include <cmath>
 
-#include "zentrova/platform/foundation/Exception.h"
+#include "zentrova/Exception.h"
 
 namespace zv {
 

@@ -8,10 +8,7 @@
 #include <optional>
 #include <string>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/foundation/Value.h"
-
-ZENTROVA_API_BEGIN
+#include "zentrova/Value.h"
 
 namespace zv {
 
@@ -23,5 +20,3 @@ struct ReportsBody {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

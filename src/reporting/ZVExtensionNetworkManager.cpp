@@ -1,13 +1,13 @@
-#include "zentrova/reporting/ZVExtensionNetworkManager.h"
+#include "reporting/ZVExtensionNetworkManager.h"
 
 #include <fmt/format.h>
 
-#include "zentrova/model/ZVRichNotifUtils.h"
-#include "zentrova/platform/Platform.h"
-#include "zentrova/platform/foundation/Exception.h"
-#include "zentrova/platform/net/UrlSession.h"
-#include "zentrova/reporting/ReportsBody.h"
-#include "zentrova/store/ZVExtensionDataManager.h"
+#include "model/ZVRichNotifUtils.h"
+#include "platform/net/UrlSession.h"
+#include "reporting/ReportsBody.h"
+#include "zentrova/Exception.h"
+#include "zentrova/Platform.h"
+#include "zentrova/ZVExtensionDataManager.h"
 
 namespace zv {
 

@@ -13,12 +13,9 @@
 #include <optional>
 #include <string>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/foundation/Url.h"
-#include "zentrova/platform/foundation/Value.h"
-#include "zentrova/platform/net/UrlRequest.h"
-
-ZENTROVA_API_BEGIN
+#include "platform/net/UrlRequest.h"
+#include "zentrova/Url.h"
+#include "zentrova/Value.h"
 
 namespace zv {
 
@@ -66,5 +63,3 @@ class ZVExtensionNetworkManager {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

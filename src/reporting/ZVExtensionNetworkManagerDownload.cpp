@@ -2,13 +2,13 @@
 // a notification attachment inside the task's completion (the file is only there until it returns).
 #include <fmt/format.h>
 
-#include "zentrova/model/ZVMedia.h"
-#include "zentrova/model/ZVRichNotifUtils.h"
-#include "zentrova/platform/foundation/Exception.h"
-#include "zentrova/platform/foundation/FileManager.h"
-#include "zentrova/platform/net/UrlSession.h"
-#include "zentrova/platform/notifications/UNNotificationAttachment.h"
-#include "zentrova/reporting/ZVExtensionNetworkManager.h"
+#include "model/ZVMedia.h"
+#include "model/ZVRichNotifUtils.h"
+#include "platform/foundation/FileManager.h"
+#include "platform/net/UrlSession.h"
+#include "reporting/ZVExtensionNetworkManager.h"
+#include "zentrova/Exception.h"
+#include "zentrova/UNNotificationAttachment.h"
 
 namespace zv {
 

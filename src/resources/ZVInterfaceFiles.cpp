@@ -1,14 +1,14 @@
-#include "zentrova/resources/ZVInterfaceFiles.h"
+#include "resources/ZVInterfaceFiles.h"
 
-#include "zentrova/platform/text/Font.h"
-#include "zentrova/platform/ui/NSBundle.h"
-#include "zentrova/platform/ui/NSLayoutConstraint.h"
-#include "zentrova/platform/ui/UICollectionViewFlowLayout.h"
-#include "zentrova/platform/ui/UIColor.h"
-#include "zentrova/templates/ZVCarouselCollectionView.h"
-#include "zentrova/templates/ZVImageCarouselCell.h"
-#include "zentrova/templates/ZVPushBodyView.h"
-#include "zentrova/templates/ZVPushMediaView.h"
+#include "platform/text/Font.h"
+#include "platform/ui/NSBundle.h"
+#include "platform/ui/NSLayoutConstraint.h"
+#include "platform/ui/UICollectionViewFlowLayout.h"
+#include "platform/ui/UIColor.h"
+#include "templates/ZVCarouselCollectionView.h"
+#include "templates/ZVImageCarouselCell.h"
+#include "templates/ZVPushBodyView.h"
+#include "templates/ZVPushMediaView.h"
 
 namespace zv {
 

@@ -1,9 +1,9 @@
-#include "zentrova/service/EditableDictionary.h"
+#include "service/EditableDictionary.h"
 
 #include <fmt/format.h>
 
-#include "zentrova/model/ZVRichNotifUtils.h"
-#include "zentrova/platform/foundation/Exception.h"
+#include "model/ZVRichNotifUtils.h"
+#include "zentrova/Exception.h"
 
 namespace zv {
 

@@ -9,10 +9,7 @@
 #include <boost/json/object.hpp>
 #include <string_view>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/foundation/Value.h"
-
-ZENTROVA_API_BEGIN
+#include "zentrova/Value.h"
 
 namespace zv {
 
@@ -41,5 +38,3 @@ class EditableDictionary {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

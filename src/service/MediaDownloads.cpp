@@ -1,7 +1,7 @@
-#include "zentrova/service/MediaDownloads.h"
+#include "service/MediaDownloads.h"
 
-#include "zentrova/platform/foundation/Log.h"
-#include "zentrova/platform/net/UrlSessionTask.h"
+#include "platform/foundation/Log.h"
+#include "platform/net/UrlSessionTask.h"
 
 namespace zv {
 

@@ -12,10 +12,6 @@
 #include <mutex>
 #include <vector>
 
-#include "zentrova/Export.h"
-
-ZENTROVA_API_BEGIN
-
 namespace zv {
 
 class UNNotificationAttachment;
@@ -48,5 +44,3 @@ class MediaDownloads {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

@@ -1,10 +1,10 @@
-#include "zentrova/service/ServicePlan.h"
+#include "service/ServicePlan.h"
 
-#include "zentrova/model/ZVPushPayload.h"
-#include "zentrova/platform/foundation/Exception.h"
-#include "zentrova/platform/notifications/UNMutableNotificationContent.h"
-#include "zentrova/platform/notifications/UNNotificationRequest.h"
-#include "zentrova/service/ZVRichNotificationHandler.h"
+#include "model/ZVPushPayload.h"
+#include "service/ZVRichNotificationHandler.h"
+#include "zentrova/Exception.h"
+#include "zentrova/UNMutableNotificationContent.h"
+#include "zentrova/UNNotificationRequest.h"
 
 namespace zv {
 

@@ -11,10 +11,6 @@
 #include <string>
 #include <vector>
 
-#include "zentrova/Export.h"
-
-ZENTROVA_API_BEGIN
-
 namespace zv {
 
 class UNNotificationRequest;
@@ -53,5 +49,3 @@ struct ServicePlan {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

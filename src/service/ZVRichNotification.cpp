@@ -1,19 +1,18 @@
-#include "zentrova/service/ZVRichNotification.h"
+#include "zentrova/ZVRichNotification.h"
 
-#include "zentrova/store/ZVExtensionDataManager.h"
+#include "service/ZVRichNotificationHandler.h"
+#include "zentrova/ZVExtensionDataManager.h"
 
 namespace zv {
 
 void ZVRichNotification::handleRichNotificationRequest(
-    const std::shared_ptr<UNNotificationRequest>& request,
-    ZVRichNotificationHandler::ContentHandler handler) {
+    const std::shared_ptr<UNNotificationRequest>& request, ContentHandler handler) {
   ZVRichNotificationHandler::sharedHandler().handleRichNotificationRequest(request,
                                                                            std::move(handler));
 }
 
 void ZVRichNotification::getLocalNotificationContentForRequest(
-    const std::shared_ptr<UNNotificationRequest>& request,
-    ZVRichNotificationHandler::ContentHandler completionHandler) {
+    const std::shared_ptr<UNNotificationRequest>& request, ContentHandler completionHandler) {
   ZVRichNotificationHandler::sharedHandler().getLocalNotificationContentForRequest(
       request, std::move(completionHandler));
 }

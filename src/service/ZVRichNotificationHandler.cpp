@@ -1,18 +1,18 @@
-#include "zentrova/service/ZVRichNotificationHandler.h"
+#include "service/ZVRichNotificationHandler.h"
 
 #include <algorithm>
 #include <string>
 
-#include "zentrova/model/PayloadKeys.h"
-#include "zentrova/model/ZVMedia.h"
-#include "zentrova/model/ZVPushCard.h"
-#include "zentrova/model/ZVPushPayload.h"
-#include "zentrova/model/ZVPushWidget.h"
-#include "zentrova/model/ZVRichPush.h"
-#include "zentrova/model/ZVRichPushMode.h"
-#include "zentrova/platform/Platform.h"
-#include "zentrova/platform/foundation/OperationQueue.h"
-#include "zentrova/platform/notifications/NotificationCenter.h"
+#include "model/PayloadKeys.h"
+#include "model/ZVMedia.h"
+#include "model/ZVPushCard.h"
+#include "model/ZVPushPayload.h"
+#include "model/ZVPushWidget.h"
+#include "model/ZVRichPush.h"
+#include "model/ZVRichPushMode.h"
+#include "platform/foundation/OperationQueue.h"
+#include "platform/notifications/NotificationCenter.h"
+#include "zentrova/Platform.h"
 
 namespace zv {
 

@@ -14,9 +14,7 @@
 #include <mutex>
 #include <vector>
 
-#include "zentrova/Export.h"
-
-ZENTROVA_API_BEGIN
+#include "zentrova/ZVRichNotification.h"
 
 namespace zv {
 
@@ -43,7 +41,7 @@ class ZVRichNotificationHandler {
   std::shared_ptr<NotificationCenter> notificationCenter() const;
   void setNotificationCenter(std::shared_ptr<NotificationCenter> center);
 
-  using ContentHandler = std::function<void(const std::shared_ptr<UNNotificationContent>& content)>;
+  using ContentHandler = ZVRichNotification::ContentHandler;
   using Attachments = std::vector<std::shared_ptr<UNNotificationAttachment>>;
 
   // The full service flow; the content handler receives the working content (a mutable copy of the
@@ -111,5 +109,3 @@ class ZVRichNotificationHandler {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

@@ -2,14 +2,14 @@
 // side by side and made into an attachment.
 #include <fmt/format.h>
 
-#include "zentrova/model/ZVMedia.h"
-#include "zentrova/model/ZVRichNotifUtils.h"
-#include "zentrova/platform/foundation/Exception.h"
-#include "zentrova/platform/foundation/Log.h"
-#include "zentrova/platform/foundation/OperationQueue.h"
-#include "zentrova/reporting/ZVExtensionNetworkManager.h"
-#include "zentrova/service/MediaDownloads.h"
-#include "zentrova/service/ZVRichNotificationHandler.h"
+#include "model/ZVMedia.h"
+#include "model/ZVRichNotifUtils.h"
+#include "platform/foundation/Log.h"
+#include "platform/foundation/OperationQueue.h"
+#include "reporting/ZVExtensionNetworkManager.h"
+#include "service/MediaDownloads.h"
+#include "service/ZVRichNotificationHandler.h"
+#include "zentrova/Exception.h"
 
 namespace zv {
 

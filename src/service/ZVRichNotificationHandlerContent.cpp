@@ -1,15 +1,15 @@
 // The content and action rewrites of ZVRichNotificationHandler: the rich push's texts, sound,
 // category and default tap actions replace what the payload's "aps" would show, both in the
 // visible content and in the user info that travels with the notification.
-#include "zentrova/model/PayloadKeys.h"
-#include "zentrova/model/ZVPushAction.h"
-#include "zentrova/model/ZVRichNotifUtils.h"
-#include "zentrova/model/ZVRichPush.h"
-#include "zentrova/platform/foundation/Exception.h"
-#include "zentrova/platform/notifications/UNMutableNotificationContent.h"
-#include "zentrova/platform/notifications/UNNotificationSound.h"
-#include "zentrova/service/EditableDictionary.h"
-#include "zentrova/service/ZVRichNotificationHandler.h"
+#include "model/PayloadKeys.h"
+#include "model/ZVPushAction.h"
+#include "model/ZVRichNotifUtils.h"
+#include "model/ZVRichPush.h"
+#include "service/EditableDictionary.h"
+#include "service/ZVRichNotificationHandler.h"
+#include "zentrova/Exception.h"
+#include "zentrova/UNMutableNotificationContent.h"
+#include "zentrova/UNNotificationSound.h"
 
 namespace zv {
 

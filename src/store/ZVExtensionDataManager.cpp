@@ -1,12 +1,13 @@
-#include "zentrova/store/ZVExtensionDataManager.h"
+#include "zentrova/ZVExtensionDataManager.h"
 
 #include <fmt/format.h>
 
-#include "zentrova/model/ZVPushPayload.h"
-#include "zentrova/model/ZVRichNotifUtils.h"
-#include "zentrova/model/ZVRichPush.h"
-#include "zentrova/platform/Platform.h"
-#include "zentrova/platform/defaults/UserDefaults.h"
+#include "model/ZVPushPayload.h"
+#include "model/ZVRichNotifUtils.h"
+#include "model/ZVRichPush.h"
+#include "platform/foundation/Clock.h"
+#include "zentrova/Platform.h"
+#include "zentrova/UserDefaults.h"
 
 namespace zv {
 

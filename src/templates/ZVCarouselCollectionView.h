@@ -10,13 +10,10 @@
 #include <memory>
 #include <vector>
 
-#include "zentrova/Export.h"
-#include "zentrova/model/ZVCardCarouselItem.h"
-#include "zentrova/platform/ui/NSLayoutConstraint.h"
-#include "zentrova/platform/ui/UICollectionView.h"
-#include "zentrova/platform/ui/UIPageControl.h"
-
-ZENTROVA_API_BEGIN
+#include "model/ZVCardCarouselItem.h"
+#include "platform/ui/NSLayoutConstraint.h"
+#include "platform/ui/UICollectionView.h"
+#include "platform/ui/UIPageControl.h"
 
 namespace zv {
 
@@ -73,5 +70,3 @@ class ZVCarouselCollectionView : public UIView,
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

@@ -4,11 +4,8 @@
 
 #include <memory>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/ui/UICollectionViewCell.h"
-#include "zentrova/platform/ui/UIImageView.h"
-
-ZENTROVA_API_BEGIN
+#include "platform/ui/UICollectionViewCell.h"
+#include "platform/ui/UIImageView.h"
 
 namespace zv {
 
@@ -22,5 +19,3 @@ class ZVImageCarouselCell : public UICollectionViewCell {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

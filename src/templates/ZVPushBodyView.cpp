@@ -1,17 +1,17 @@
-#include "zentrova/templates/ZVPushBodyView.h"
+#include "templates/ZVPushBodyView.h"
 
 #include <cmath>
 
-#include "zentrova/model/ZVPushPayload.h"
-#include "zentrova/model/ZVRichNotifUtils.h"
-#include "zentrova/model/ZVRichPush.h"
-#include "zentrova/model/ZVRichPushMode.h"
-#include "zentrova/platform/foundation/SystemVersion.h"
-#include "zentrova/platform/text/StyledText.h"
-#include "zentrova/platform/text/TextMeasurer.h"
-#include "zentrova/platform/ui/UIColor.h"
-#include "zentrova/platform/ui/UITapGestureRecognizer.h"
-#include "zentrova/templates/ZVPushTemplateHandler.h"
+#include "model/ZVPushPayload.h"
+#include "model/ZVRichNotifUtils.h"
+#include "model/ZVRichPush.h"
+#include "model/ZVRichPushMode.h"
+#include "platform/foundation/SystemVersion.h"
+#include "platform/text/StyledText.h"
+#include "platform/text/TextMeasurer.h"
+#include "platform/ui/UIColor.h"
+#include "platform/ui/UITapGestureRecognizer.h"
+#include "zentrova/ZVPushTemplateHandler.h"
 
 namespace zv {
 

@@ -8,12 +8,9 @@
 #include <cstdint>
 #include <memory>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/ui/NSLayoutConstraint.h"
-#include "zentrova/platform/ui/UILabel.h"
-#include "zentrova/platform/ui/UIView.h"
-
-ZENTROVA_API_BEGIN
+#include "platform/ui/NSLayoutConstraint.h"
+#include "platform/ui/UILabel.h"
+#include "zentrova/UIView.h"
 
 namespace zv {
 
@@ -43,5 +40,3 @@ class ZVPushBodyView : public UIView {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

@@ -9,11 +9,8 @@
 #include <optional>
 #include <string>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/ui/UIImageView.h"
-#include "zentrova/platform/ui/UIView.h"
-
-ZENTROVA_API_BEGIN
+#include "platform/ui/UIImageView.h"
+#include "zentrova/UIView.h"
 
 namespace zv {
 
@@ -53,5 +50,3 @@ void showAttachmentImage(UIImageView& view, const std::string& bytes, bool gif);
 std::optional<std::string> readAttachment(const UNNotificationAttachment& attachment);
 
 }  // namespace zv
-
-ZENTROVA_API_END

@@ -1,22 +1,25 @@
-#include "zentrova/templates/ZVPushTemplateHandler.h"
+#include "zentrova/ZVPushTemplateHandler.h"
 
 #include <fmt/format.h>
 
-#include "zentrova/model/ZVPushPayload.h"
-#include "zentrova/model/ZVRichNotifUtils.h"
-#include "zentrova/model/ZVRichPush.h"
-#include "zentrova/model/ZVRichPushMode.h"
-#include "zentrova/platform/foundation/SystemVersion.h"
-#include "zentrova/platform/ui/NSBundle.h"
-#include "zentrova/platform/ui/NSExtensionContext.h"
-#include "zentrova/platform/ui/NSLayoutConstraint.h"
-#include "zentrova/platform/ui/UIColor.h"
-#include "zentrova/platform/ui/UIViewController.h"
-#include "zentrova/store/ZVExtensionDataManager.h"
-#include "zentrova/templates/ZVCarouselCollectionView.h"
-#include "zentrova/templates/ZVPushBodyView.h"
-#include "zentrova/templates/ZVPushMediaView.h"
-#include "zentrova/templates/ZVRichNotifUtilsContent.h"
+#include "model/ZVPushPayload.h"
+#include "model/ZVRichNotifUtils.h"
+#include "model/ZVRichPush.h"
+#include "model/ZVRichPushMode.h"
+#include "platform/foundation/SystemVersion.h"
+#include "platform/text/PangoTextMeasurer.h"
+#include "platform/ui/NSBundle.h"
+#include "platform/ui/NSLayoutConstraint.h"
+#include "platform/ui/UIColor.h"
+#include "resources/ZVInterfaceFiles.h"
+#include "templates/ZVCarouselCollectionView.h"
+#include "templates/ZVPushBodyView.h"
+#include "templates/ZVPushMediaView.h"
+#include "templates/ZVRichNotifUtilsContent.h"
+#include "zentrova/NSExtensionContext.h"
+#include "zentrova/Platform.h"
+#include "zentrova/UIViewController.h"
+#include "zentrova/ZVExtensionDataManager.h"
 
 namespace zv {
 
@@ -37,6 +40,14 @@ ZVPushTemplateHandler& ZVPushTemplateHandler::sharedInstance() {
   static std::once_flag once;
   std::call_once(once, [] {
     if (!instance()) instance() = std::make_unique<ZVPushTemplateHandler>();
+    // A host that registered no interface files of its own gets ours in the main bundle, measuring
+    // with the platform's text measurer (Pango's when none is installed).
+    auto& bundle = NSBundle::mainBundle();
+    if (!bundle.hasInterface("ZVPushBodyView")) {
+      auto measurer = Platform::shared().textMeasurer();
+      if (!measurer) measurer = std::make_shared<PangoTextMeasurer>();
+      ZVInterfaceFiles::registerWithBundle(bundle, std::move(measurer));
+    }
   });
   return *instance();
 }

@@ -1,8 +1,8 @@
-#include "zentrova/templates/ZVRichNotifUtilsContent.h"
+#include "templates/ZVRichNotifUtilsContent.h"
 
-#include "zentrova/platform/foundation/Exception.h"
-#include "zentrova/platform/graphics/UIImage.h"
-#include "zentrova/platform/ui/NSBundle.h"
+#include "platform/graphics/UIImage.h"
+#include "platform/ui/NSBundle.h"
+#include "zentrova/Exception.h"
 
 namespace zv {
 

@@ -4,9 +4,6 @@
 #pragma once
 
 #include <memory>
-#include "zentrova/Export.h"
-
-ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -23,5 +20,3 @@ class ZVRichNotifUtilsContent {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

@@ -1,10 +1,10 @@
-#include "zentrova/templates/ZVRichPushGif.h"
+#include "templates/ZVRichPushGif.h"
 
 #include <cmath>
 #include <limits>
 #include <vector>
 
-#include "zentrova/platform/graphics/CGImageSource.h"
+#include "platform/graphics/CGImageSource.h"
 
 namespace zv {
 

@@ -13,12 +13,9 @@
 #include <memory>
 #include <string>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/foundation/Url.h"
-#include "zentrova/platform/foundation/Value.h"
-#include "zentrova/platform/graphics/UIImage.h"
-
-ZENTROVA_API_BEGIN
+#include "platform/graphics/UIImage.h"
+#include "zentrova/Url.h"
+#include "zentrova/Value.h"
 
 namespace zv {
 
@@ -37,5 +34,3 @@ class ZVRichPushGif {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

@@ -17,7 +17,7 @@
 #include "support/Payloads.h"
 #include "support/RawReplyServer.h"
 #include "support/TestSupport.h"
-#include "zentrova/platform/foundation/Value.h"
+#include "zentrova/Value.h"
 
 namespace zvtest {
 namespace {

@@ -1,10 +1,10 @@
 #include <gtest/gtest.h>
 
-#include "zentrova/model/ZVMedia.h"
-#include "zentrova/model/ZVPushPayload.h"
-#include "zentrova/model/ZVRichNotifUtils.h"
-#include "zentrova/platform/foundation/Exception.h"
-#include "zentrova/service/ZVRichNotificationHandler.h"
+#include "model/ZVMedia.h"
+#include "model/ZVPushPayload.h"
+#include "model/ZVRichNotifUtils.h"
+#include "service/ZVRichNotificationHandler.h"
+#include "zentrova/Exception.h"
 
 namespace zv {
 namespace {

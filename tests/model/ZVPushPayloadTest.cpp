@@ -2,14 +2,14 @@
 
 #include <limits>
 
+#include "model/ZVPushAction.h"
+#include "model/ZVPushCard.h"
+#include "model/ZVPushPayload.h"
+#include "model/ZVPushWidget.h"
+#include "model/ZVRichPush.h"
+#include "model/ZVRichPushMode.h"
 #include "support/TestSupport.h"
-#include "zentrova/model/ZVPushAction.h"
-#include "zentrova/model/ZVPushCard.h"
-#include "zentrova/model/ZVPushPayload.h"
-#include "zentrova/model/ZVPushWidget.h"
-#include "zentrova/model/ZVRichPush.h"
-#include "zentrova/model/ZVRichPushMode.h"
-#include "zentrova/platform/foundation/Exception.h"
+#include "zentrova/Exception.h"
 
 namespace zv {
 namespace {

@@ -2,10 +2,10 @@
 
 #include <fstream>
 
+#include "model/ZVRichNotifUtils.h"
+#include "platform/foundation/FileManager.h"
 #include "support/TestSupport.h"
-#include "zentrova/model/ZVRichNotifUtils.h"
-#include "zentrova/platform/foundation/FileManager.h"
-#include "zentrova/platform/notifications/UNNotificationAttachment.h"
+#include "zentrova/UNNotificationAttachment.h"
 
 namespace zv {
 namespace {

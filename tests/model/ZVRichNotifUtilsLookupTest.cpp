@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
-#include "zentrova/model/ZVRichNotifUtils.h"
-#include "zentrova/platform/foundation/Clock.h"
-#include "zentrova/platform/foundation/Exception.h"
+#include "model/ZVRichNotifUtils.h"
+#include "platform/foundation/Clock.h"
+#include "zentrova/Exception.h"
 
 namespace zv {
 namespace {

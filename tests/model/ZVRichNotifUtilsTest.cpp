@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "zentrova/model/ZVRichNotifUtils.h"
-#include "zentrova/platform/foundation/Exception.h"
+#include "model/ZVRichNotifUtils.h"
+#include "zentrova/Exception.h"
 
 namespace zv {
 namespace {

@@ -2,11 +2,11 @@
 
 #include <boost/json/parse.hpp>
 
+#include "model/ZVRichNotifUtils.h"
+#include "platform/text/FixedAdvanceTextMeasurer.h"
+#include "platform/text/StyledText.h"
 #include "support/TestSupport.h"
-#include "zentrova/model/ZVRichNotifUtils.h"
-#include "zentrova/platform/foundation/Exception.h"
-#include "zentrova/platform/text/FixedAdvanceTextMeasurer.h"
-#include "zentrova/platform/text/StyledText.h"
+#include "zentrova/Exception.h"
 
 namespace zv {
 namespace {

@@ -5,17 +5,17 @@
 #include <future>
 #include <limits>
 
+#include "platform/net/UrlSession.h"
+#include "reporting/ReportsBody.h"
+#include "reporting/ZVExtensionNetworkManager.h"
 #include "support/LocalServer.h"
 #include "support/ProcessStateReset.h"
 #include "support/TestCertificates.h"
 #include "support/TestSupport.h"
-#include "zentrova/platform/Platform.h"
-#include "zentrova/platform/defaults/UserDefaults.h"
-#include "zentrova/platform/foundation/Exception.h"
-#include "zentrova/platform/net/UrlSession.h"
-#include "zentrova/reporting/ReportsBody.h"
-#include "zentrova/reporting/ZVExtensionNetworkManager.h"
-#include "zentrova/store/ZVExtensionDataManager.h"
+#include "zentrova/Exception.h"
+#include "zentrova/Platform.h"
+#include "zentrova/UserDefaults.h"
+#include "zentrova/ZVExtensionDataManager.h"
 
 namespace zv {
 namespace {

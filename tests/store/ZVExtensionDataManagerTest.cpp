@@ -4,12 +4,13 @@
 
 #include <boost/json/parse.hpp>
 
+#include "model/ZVPushPayload.h"
+#include "model/ZVRichNotifUtils.h"
+#include "model/ZVRichPush.h"
+#include "platform/foundation/Clock.h"
 #include "support/TestSupport.h"
-#include "zentrova/model/ZVPushPayload.h"
-#include "zentrova/model/ZVRichNotifUtils.h"
-#include "zentrova/model/ZVRichPush.h"
-#include "zentrova/platform/defaults/UserDefaults.h"
-#include "zentrova/store/ZVExtensionDataManager.h"
+#include "zentrova/UserDefaults.h"
+#include "zentrova/ZVExtensionDataManager.h"
 
 namespace zv {
 namespace {

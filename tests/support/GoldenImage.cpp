@@ -5,9 +5,10 @@
 #include <cstdlib>
 #include <filesystem>
 
+#include "platform/graphics/ImageDecoder.h"
+#include "platform/graphics/PixelBuffer.h"
+#include "platform/graphics/PngWriter.h"
 #include "support/TestSupport.h"
-#include "zentrova/platform/graphics/ImageDecoder.h"
-#include "zentrova/platform/graphics/PngWriter.h"
 
 namespace zvtest {
 

@@ -6,7 +6,7 @@
 
 #include <string>
 
-#include "zentrova/platform/graphics/PixelBuffer.h"
+#include "platform/graphics/PixelBuffer.h"
 
 namespace zvtest {
 

@@ -1,14 +1,14 @@
 #include "support/ProcessStateReset.h"
 
-#include "zentrova/platform/Platform.h"
-#include "zentrova/platform/foundation/Log.h"
-#include "zentrova/platform/foundation/SystemVersion.h"
-#include "zentrova/platform/ui/NSBundle.h"
-#include "zentrova/platform/ui/UIScreen.h"
-#include "zentrova/reporting/ZVExtensionNetworkManager.h"
-#include "zentrova/service/ZVRichNotificationHandler.h"
-#include "zentrova/store/ZVExtensionDataManager.h"
-#include "zentrova/templates/ZVPushTemplateHandler.h"
+#include "platform/foundation/Log.h"
+#include "platform/foundation/SystemVersion.h"
+#include "platform/ui/NSBundle.h"
+#include "platform/ui/UIScreen.h"
+#include "reporting/ZVExtensionNetworkManager.h"
+#include "service/ZVRichNotificationHandler.h"
+#include "zentrova/Platform.h"
+#include "zentrova/ZVExtensionDataManager.h"
+#include "zentrova/ZVPushTemplateHandler.h"
 
 namespace zvtest {
 

@@ -9,7 +9,7 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "zentrova/platform/foundation/Log.h"
+#include "platform/foundation/Log.h"
 
 namespace zvtest {
 

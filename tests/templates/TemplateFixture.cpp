@@ -2,20 +2,21 @@
 
 #include <fstream>
 
+#include "model/ZVRichNotifUtils.h"
+#include "platform/graphics/PixelBuffer.h"
+#include "platform/graphics/PngWriter.h"
+#include "platform/ui/NSBundle.h"
+#include "resources/ZVInterfaceFiles.h"
 #include "support/GifBytes.h"
-#include "zentrova/model/ZVRichNotifUtils.h"
-#include "zentrova/platform/Platform.h"
-#include "zentrova/platform/foundation/Error.h"
-#include "zentrova/platform/foundation/Url.h"
-#include "zentrova/platform/graphics/PngWriter.h"
-#include "zentrova/platform/notifications/UNMutableNotificationContent.h"
-#include "zentrova/platform/notifications/UNNotification.h"
-#include "zentrova/platform/notifications/UNNotificationAttachment.h"
-#include "zentrova/platform/notifications/UNNotificationRequest.h"
-#include "zentrova/platform/ui/NSBundle.h"
-#include "zentrova/resources/ZVInterfaceFiles.h"
-#include "zentrova/store/ZVExtensionDataManager.h"
-#include "zentrova/templates/ZVPushTemplateHandler.h"
+#include "zentrova/Error.h"
+#include "zentrova/Platform.h"
+#include "zentrova/UNMutableNotificationContent.h"
+#include "zentrova/UNNotification.h"
+#include "zentrova/UNNotificationAttachment.h"
+#include "zentrova/UNNotificationRequest.h"
+#include "zentrova/Url.h"
+#include "zentrova/ZVExtensionDataManager.h"
+#include "zentrova/ZVPushTemplateHandler.h"
 
 namespace zvtest {
 

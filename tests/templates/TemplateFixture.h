@@ -10,11 +10,11 @@
 #include <memory>
 #include <string>
 
+#include "platform/text/TextMeasurer.h"
+#include "platform/ui/RunLoop.h"
 #include "support/ProcessStateReset.h"
 #include "support/TestSupport.h"
-#include "zentrova/platform/text/TextMeasurer.h"
-#include "zentrova/platform/ui/RunLoop.h"
-#include "zentrova/platform/ui/UIViewController.h"
+#include "zentrova/UIViewController.h"
 
 namespace zv {
 class UNNotification;

@@ -1,9 +1,9 @@
+#include "platform/ui/UIScreen.h"
+#include "platform/ui/UITapGestureRecognizer.h"
 #include "templates/TemplateFixture.h"
-#include "zentrova/platform/defaults/UserDefaults.h"
-#include "zentrova/platform/foundation/Url.h"
-#include "zentrova/platform/ui/UIScreen.h"
-#include "zentrova/platform/ui/UITapGestureRecognizer.h"
-#include "zentrova/templates/ZVCarouselCollectionView.h"
+#include "templates/ZVCarouselCollectionView.h"
+#include "zentrova/Url.h"
+#include "zentrova/UserDefaults.h"
 
 namespace zvtest {
 namespace {

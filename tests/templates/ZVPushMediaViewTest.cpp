@@ -1,11 +1,12 @@
 #include <filesystem>
 
+#include "platform/foundation/SystemVersion.h"
+#include "platform/media/AVPlayerLayer.h"
+#include "platform/ui/CALayer.h"
+#include "platform/ui/UITapGestureRecognizer.h"
 #include "templates/TemplateFixture.h"
-#include "zentrova/platform/foundation/SystemVersion.h"
-#include "zentrova/platform/foundation/Url.h"
-#include "zentrova/platform/media/AVPlayerLayer.h"
-#include "zentrova/platform/ui/UITapGestureRecognizer.h"
-#include "zentrova/templates/ZVPushMediaView.h"
+#include "templates/ZVPushMediaView.h"
+#include "zentrova/Url.h"
 
 namespace zvtest {
 namespace {

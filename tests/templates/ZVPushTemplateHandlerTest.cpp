@@ -1,10 +1,10 @@
+#include "model/ZVPushPayload.h"
+#include "platform/foundation/SystemVersion.h"
+#include "platform/ui/UIColor.h"
 #include "templates/TemplateFixture.h"
-#include "zentrova/model/ZVPushPayload.h"
-#include "zentrova/platform/defaults/UserDefaults.h"
-#include "zentrova/platform/foundation/SystemVersion.h"
-#include "zentrova/platform/ui/UIColor.h"
-#include "zentrova/templates/ZVPushBodyView.h"
-#include "zentrova/templates/ZVPushTemplateHandler.h"
+#include "templates/ZVPushBodyView.h"
+#include "zentrova/UserDefaults.h"
+#include "zentrova/ZVPushTemplateHandler.h"
 
 namespace zvtest {
 namespace {

@@ -6,7 +6,7 @@
 
 #include "support/GifBytes.h"
 #include "support/TestSupport.h"
-#include "zentrova/templates/ZVRichPushGif.h"
+#include "templates/ZVRichPushGif.h"
 
 namespace zv {
 namespace {

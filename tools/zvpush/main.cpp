@@ -4,9 +4,9 @@
 #include <cstring>
 #include <iostream>
 
-#include "ArgParser.h"
-#include "Command.h"
-#include "JsonIO.h"
+#include "common/ArgParser.h"
+#include "common/Command.h"
+#include "common/JsonIO.h"
 #include "zentrova/Version.h"
 
 namespace zvpush {

@@ -1,4 +1,4 @@
-#include "zentrova/platform/defaults/SqliteFile.h"
+#include "platform/defaults/SqliteFile.h"
 
 #include <fcntl.h>
 #include <fmt/format.h>
@@ -9,8 +9,8 @@
 
 #include <ctime>
 
-#include "zentrova/platform/foundation/Log.h"
-#include "zentrova/platform/foundation/UniqueHandle.h"
+#include "platform/foundation/Log.h"
+#include "platform/foundation/UniqueHandle.h"
 
 namespace zv {
 

@@ -15,10 +15,6 @@
 #include <optional>
 #include <string>
 
-#include "zentrova/Export.h"
-
-ZENTROVA_API_BEGIN
-
 struct sqlite3;
 
 namespace zv {
@@ -50,5 +46,3 @@ class SqliteFile {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

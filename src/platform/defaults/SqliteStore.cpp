@@ -1,4 +1,4 @@
-#include "zentrova/platform/defaults/SqliteStore.h"
+#include "platform/defaults/SqliteStore.h"
 
 #include <fmt/format.h>
 #include <sqlite3.h>
@@ -10,11 +10,11 @@
 #include <cstring>
 #include <initializer_list>
 
-#include "zentrova/platform/defaults/SqliteFile.h"
-#include "zentrova/platform/defaults/StoredJson.h"
-#include "zentrova/platform/foundation/ExactJson.h"
-#include "zentrova/platform/foundation/Exception.h"
-#include "zentrova/platform/foundation/Log.h"
+#include "platform/defaults/SqliteFile.h"
+#include "platform/defaults/StoredJson.h"
+#include "platform/foundation/ExactJson.h"
+#include "platform/foundation/Log.h"
+#include "zentrova/Exception.h"
 
 namespace zv {
 

@@ -27,12 +27,9 @@
 #include <string>
 #include <string_view>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/defaults/ValueCache.h"
-#include "zentrova/platform/foundation/UniqueHandle.h"
-#include "zentrova/platform/foundation/Value.h"
-
-ZENTROVA_API_BEGIN
+#include "platform/defaults/ValueCache.h"
+#include "platform/foundation/UniqueHandle.h"
+#include "zentrova/Value.h"
 
 namespace zv {
 
@@ -115,5 +112,3 @@ class SqliteStore {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

@@ -1,4 +1,4 @@
-#include "zentrova/platform/defaults/SqliteStorePool.h"
+#include "platform/defaults/SqliteStorePool.h"
 
 #include <fmt/format.h>
 #include <unistd.h>
@@ -8,8 +8,8 @@
 #include <set>
 #include <string>
 
-#include "zentrova/platform/defaults/SqliteStore.h"
-#include "zentrova/platform/foundation/Log.h"
+#include "platform/defaults/SqliteStore.h"
+#include "platform/foundation/Log.h"
 
 namespace zv {
 

@@ -13,10 +13,6 @@
 #include <filesystem>
 #include <memory>
 
-#include "zentrova/Export.h"
-
-ZENTROVA_API_BEGIN
-
 namespace zv {
 
 class SqliteStore;
@@ -28,5 +24,3 @@ class SqliteStorePool {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

@@ -1,4 +1,4 @@
-#include "zentrova/platform/defaults/StoredJson.h"
+#include "platform/defaults/StoredJson.h"
 
 #include <fmt/format.h>
 
@@ -7,9 +7,9 @@
 #include <cmath>
 #include <vector>
 
-#include "zentrova/platform/foundation/ExactJson.h"
-#include "zentrova/platform/foundation/Exception.h"
-#include "zentrova/platform/foundation/Url.h"
+#include "platform/foundation/ExactJson.h"
+#include "zentrova/Exception.h"
+#include "zentrova/Url.h"
 
 namespace zv {
 

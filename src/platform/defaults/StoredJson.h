@@ -14,10 +14,6 @@
 #include <string>
 #include <string_view>
 
-#include "zentrova/Export.h"
-
-ZENTROVA_API_BEGIN
-
 namespace zv {
 
 class StoredJson {
@@ -36,5 +32,3 @@ class StoredJson {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

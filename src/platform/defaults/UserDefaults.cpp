@@ -1,10 +1,10 @@
-#include "zentrova/platform/defaults/UserDefaults.h"
+#include "zentrova/UserDefaults.h"
 
 #include <fmt/format.h>
 
-#include "zentrova/platform/defaults/SqliteStore.h"
-#include "zentrova/platform/defaults/SqliteStorePool.h"
-#include "zentrova/platform/foundation/Md5.h"
+#include "platform/defaults/SqliteStore.h"
+#include "platform/defaults/SqliteStorePool.h"
+#include "platform/foundation/Md5.h"
 
 namespace zv {
 

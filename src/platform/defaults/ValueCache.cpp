@@ -1,4 +1,4 @@
-#include "zentrova/platform/defaults/ValueCache.h"
+#include "platform/defaults/ValueCache.h"
 
 namespace zv {
 

@@ -14,10 +14,6 @@
 #include <string>
 #include <string_view>
 
-#include "zentrova/Export.h"
-
-ZENTROVA_API_BEGIN
-
 namespace zv {
 
 class ValueCache {
@@ -49,5 +45,3 @@ class ValueCache {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

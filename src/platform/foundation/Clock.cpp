@@ -1,4 +1,4 @@
-#include "zentrova/platform/foundation/Clock.h"
+#include "platform/foundation/Clock.h"
 
 #include <chrono>
 #include <cmath>

@@ -6,10 +6,6 @@
 #include <atomic>
 #include <ctime>
 
-#include "zentrova/Export.h"
-
-ZENTROVA_API_BEGIN
-
 namespace zv {
 
 class Clock {
@@ -41,5 +37,3 @@ class FixedClock : public Clock {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

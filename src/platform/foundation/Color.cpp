@@ -1,4 +1,4 @@
-#include "zentrova/platform/foundation/Color.h"
+#include "zentrova/Color.h"
 
 namespace zv {
 

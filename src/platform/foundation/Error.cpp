@@ -1,4 +1,4 @@
-#include "zentrova/platform/foundation/Error.h"
+#include "zentrova/Error.h"
 
 #include <fmt/format.h>
 

@@ -1,4 +1,4 @@
-#include "zentrova/platform/foundation/ExactJson.h"
+#include "platform/foundation/ExactJson.h"
 
 #include <fmt/format.h>
 
@@ -8,7 +8,7 @@
 #include <charconv>
 #include <string>
 
-#include "zentrova/platform/foundation/Exception.h"
+#include "zentrova/Exception.h"
 
 namespace zv {
 

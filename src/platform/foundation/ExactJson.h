@@ -10,10 +10,6 @@
 #include <boost/json/value.hpp>
 #include <string_view>
 
-#include "zentrova/Export.h"
-
-ZENTROVA_API_BEGIN
-
 namespace zv {
 
 class ExactJson {
@@ -24,5 +20,3 @@ class ExactJson {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

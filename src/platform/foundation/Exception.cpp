@@ -1,4 +1,4 @@
-#include "zentrova/platform/foundation/Exception.h"
+#include "zentrova/Exception.h"
 
 #include <utility>
 

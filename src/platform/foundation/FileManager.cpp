@@ -1,4 +1,4 @@
-#include "zentrova/platform/foundation/FileManager.h"
+#include "platform/foundation/FileManager.h"
 
 #include <fmt/format.h>
 #include <unistd.h>

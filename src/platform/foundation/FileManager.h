@@ -7,11 +7,8 @@
 
 #include <filesystem>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/foundation/Error.h"
-#include "zentrova/platform/foundation/Url.h"
-
-ZENTROVA_API_BEGIN
+#include "zentrova/Error.h"
+#include "zentrova/Url.h"
 
 namespace zv {
 
@@ -53,5 +50,3 @@ class FileManager {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

@@ -1,4 +1,4 @@
-#include "zentrova/platform/foundation/Log.h"
+#include "platform/foundation/Log.h"
 
 #include <cstdio>
 #include <memory>

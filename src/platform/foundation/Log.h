@@ -7,10 +7,6 @@
 #include <functional>
 #include <string>
 
-#include "zentrova/Export.h"
-
-ZENTROVA_API_BEGIN
-
 namespace zv::log {
 
 using Receiver = std::function<void(const std::string& message)>;
@@ -25,5 +21,3 @@ void setSystemReceiver(Receiver receiver);
 void system(const std::string& message);
 
 }  // namespace zv::log
-
-ZENTROVA_API_END

@@ -1,4 +1,4 @@
-#include "zentrova/platform/foundation/Md5.h"
+#include "platform/foundation/Md5.h"
 
 #include <openssl/evp.h>
 

@@ -4,14 +4,8 @@
 #include <string>
 #include <string_view>
 
-#include "zentrova/Export.h"
-
-ZENTROVA_API_BEGIN
-
 namespace zv {
 
 std::string md5Hex(std::string_view bytes);
 
 }  // namespace zv
-
-ZENTROVA_API_END

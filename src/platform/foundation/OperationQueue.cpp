@@ -1,4 +1,4 @@
-#include "zentrova/platform/foundation/OperationQueue.h"
+#include "platform/foundation/OperationQueue.h"
 
 #include <fmt/format.h>
 
@@ -10,8 +10,8 @@
 #include <thread>
 #include <vector>
 
-#include "zentrova/platform/foundation/Exception.h"
-#include "zentrova/platform/foundation/Log.h"
+#include "platform/foundation/Log.h"
+#include "zentrova/Exception.h"
 
 namespace zv {
 

@@ -11,10 +11,6 @@
 #include <functional>
 #include <memory>
 
-#include "zentrova/Export.h"
-
-ZENTROVA_API_BEGIN
-
 namespace zv {
 
 class OperationQueue {
@@ -49,5 +45,3 @@ class OperationQueue {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

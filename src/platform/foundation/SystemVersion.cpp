@@ -1,4 +1,4 @@
-#include "zentrova/platform/foundation/SystemVersion.h"
+#include "platform/foundation/SystemVersion.h"
 
 #include <atomic>
 

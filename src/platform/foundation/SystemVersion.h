@@ -4,15 +4,9 @@
 // sets another. Any thread may read or set it.
 #pragma once
 
-#include "zentrova/Export.h"
-
-ZENTROVA_API_BEGIN
-
 namespace zv {
 
 double systemVersion();
 void setSystemVersion(double version);
 
 }  // namespace zv
-
-ZENTROVA_API_END

@@ -7,10 +7,6 @@
 
 #include <memory>
 
-#include "zentrova/Export.h"
-
-ZENTROVA_API_BEGIN
-
 namespace zv {
 
 template <auto Release>
@@ -25,5 +21,3 @@ template <class T, auto Release>
 using UniqueHandle = std::unique_ptr<T, HandleDeleter<Release>>;
 
 }  // namespace zv
-
-ZENTROVA_API_END

@@ -1,4 +1,4 @@
-#include "zentrova/platform/foundation/Url.h"
+#include "zentrova/Url.h"
 
 #include <unistd.h>
 
@@ -7,7 +7,7 @@
 #include <boost/url/parse.hpp>
 #include <system_error>
 
-#include "zentrova/platform/foundation/Exception.h"
+#include "zentrova/Exception.h"
 
 namespace zv {
 

@@ -1,4 +1,4 @@
-#include "zentrova/platform/foundation/Value.h"
+#include "zentrova/Value.h"
 
 #include <fmt/format.h>
 
@@ -7,8 +7,8 @@
 #include <cmath>
 #include <limits>
 
-#include "zentrova/platform/foundation/ExactJson.h"
-#include "zentrova/platform/foundation/Exception.h"
+#include "platform/foundation/ExactJson.h"
+#include "zentrova/Exception.h"
 
 namespace zv {
 

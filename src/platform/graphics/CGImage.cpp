@@ -1,4 +1,6 @@
-#include "zentrova/platform/graphics/CGImage.h"
+#include "platform/graphics/CGImage.h"
+
+#include "platform/graphics/PixelBuffer.h"
 
 namespace zv {
 

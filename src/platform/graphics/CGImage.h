@@ -8,10 +8,7 @@
 #include <memory>
 #include <mutex>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/graphics/PixelBuffer.h"
-
-ZENTROVA_API_BEGIN
+#include "platform/graphics/PixelBuffer.h"
 
 namespace zv {
 
@@ -45,5 +42,3 @@ class CGImage {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

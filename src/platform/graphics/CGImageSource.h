@@ -19,11 +19,8 @@
 #include <memory>
 #include <string>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/foundation/Value.h"
-#include "zentrova/platform/graphics/CGImage.h"
-
-ZENTROVA_API_BEGIN
+#include "platform/graphics/CGImage.h"
+#include "zentrova/Value.h"
 
 namespace zv {
 
@@ -60,5 +57,3 @@ class CGImageSource {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

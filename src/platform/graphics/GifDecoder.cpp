@@ -1,9 +1,11 @@
-#include "zentrova/platform/graphics/GifDecoder.h"
+#include "platform/graphics/GifDecoder.h"
 
 #include <algorithm>
 #include <array>
 #include <cstring>
 #include <new>
+
+#include "platform/graphics/PixelBuffer.h"
 
 namespace zv {
 

@@ -19,10 +19,7 @@
 #include <string_view>
 #include <vector>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/graphics/PixelBuffer.h"
-
-ZENTROVA_API_BEGIN
+#include "platform/graphics/PixelBuffer.h"
 
 namespace zv {
 
@@ -87,5 +84,3 @@ class GifDecoder {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

@@ -1,6 +1,7 @@
-#include "zentrova/platform/graphics/ImageDecoder.h"
+#include "platform/graphics/ImageDecoder.h"
 
-#include "zentrova/platform/graphics/GifDecoder.h"
+#include "platform/graphics/GifDecoder.h"
+#include "platform/graphics/PixelBuffer.h"
 
 namespace zv {
 

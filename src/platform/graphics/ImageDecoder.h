@@ -10,10 +10,7 @@
 #include <string>
 #include <string_view>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/graphics/PixelBuffer.h"
-
-ZENTROVA_API_BEGIN
+#include "platform/graphics/PixelBuffer.h"
 
 namespace zv {
 
@@ -43,5 +40,3 @@ class ImageDecoder {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

@@ -7,7 +7,8 @@
 // jpeglib.h needs size_t and FILE declared first.
 #include <jpeglib.h>
 
-#include "zentrova/platform/graphics/ImageDecoder.h"
+#include "platform/graphics/ImageDecoder.h"
+#include "platform/graphics/PixelBuffer.h"
 
 namespace zv {
 

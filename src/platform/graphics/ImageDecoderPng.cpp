@@ -3,8 +3,9 @@
 
 #include <cstring>
 
-#include "zentrova/platform/foundation/UniqueHandle.h"
-#include "zentrova/platform/graphics/ImageDecoder.h"
+#include "platform/foundation/UniqueHandle.h"
+#include "platform/graphics/ImageDecoder.h"
+#include "platform/graphics/PixelBuffer.h"
 
 namespace zv {
 

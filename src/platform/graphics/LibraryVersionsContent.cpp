@@ -4,8 +4,8 @@
 #include <pango/pango.h>
 #include <webp/decode.h>
 
-#include "zentrova/platform/LibraryVersions.h"
-#include "zentrova/platform/media/Ffmpeg.h"
+#include "platform/LibraryVersions.h"
+#include "platform/media/Ffmpeg.h"
 
 namespace zv {
 

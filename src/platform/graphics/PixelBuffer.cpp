@@ -1,4 +1,4 @@
-#include "zentrova/platform/graphics/PixelBuffer.h"
+#include "platform/graphics/PixelBuffer.h"
 
 #include <new>
 

@@ -9,10 +9,6 @@
 #include <memory>
 #include <vector>
 
-#include "zentrova/Export.h"
-
-ZENTROVA_API_BEGIN
-
 namespace zv {
 
 struct PixelBuffer {
@@ -50,5 +46,3 @@ struct PixelBuffer {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

@@ -1,8 +1,9 @@
-#include "zentrova/platform/graphics/PngWriter.h"
+#include "platform/graphics/PngWriter.h"
 
 #include <cairo.h>
 
-#include "zentrova/platform/foundation/UniqueHandle.h"
+#include "platform/foundation/UniqueHandle.h"
+#include "platform/graphics/PixelBuffer.h"
 
 namespace zv {
 

@@ -4,10 +4,7 @@
 
 #include <filesystem>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/graphics/PixelBuffer.h"
-
-ZENTROVA_API_BEGIN
+#include "platform/graphics/PixelBuffer.h"
 
 namespace zv {
 
@@ -18,5 +15,3 @@ class PngWriter {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

@@ -10,11 +10,8 @@
 #include <string>
 #include <vector>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/foundation/Geometry.h"
-#include "zentrova/platform/graphics/CGImage.h"
-
-ZENTROVA_API_BEGIN
+#include "platform/graphics/CGImage.h"
+#include "zentrova/Geometry.h"
 
 namespace zv {
 
@@ -50,5 +47,3 @@ class UIImage {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

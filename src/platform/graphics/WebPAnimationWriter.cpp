@@ -1,4 +1,4 @@
-#include "zentrova/platform/graphics/WebPAnimationWriter.h"
+#include "platform/graphics/WebPAnimationWriter.h"
 
 #include <webp/encode.h>
 #include <webp/mux.h>
@@ -6,7 +6,8 @@
 #include <cstdio>
 #include <cstring>
 
-#include "zentrova/platform/foundation/UniqueHandle.h"
+#include "platform/foundation/UniqueHandle.h"
+#include "platform/graphics/PixelBuffer.h"
 
 namespace zv {
 

@@ -7,10 +7,7 @@
 #include <filesystem>
 #include <memory>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/graphics/PixelBuffer.h"
-
-ZENTROVA_API_BEGIN
+#include "platform/graphics/PixelBuffer.h"
 
 namespace zv {
 
@@ -39,5 +36,3 @@ class WebPAnimationWriter {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

@@ -1,6 +1,6 @@
-#include "zentrova/platform/media/AVAsset.h"
+#include "platform/media/AVAsset.h"
 
-#include "zentrova/platform/media/ClipDecoder.h"
+#include "platform/media/ClipDecoder.h"
 
 namespace zv {
 

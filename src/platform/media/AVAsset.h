@@ -5,11 +5,8 @@
 
 #include <memory>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/foundation/Geometry.h"
-#include "zentrova/platform/foundation/Url.h"
-
-ZENTROVA_API_BEGIN
+#include "zentrova/Geometry.h"
+#include "zentrova/Url.h"
 
 namespace zv {
 
@@ -38,5 +35,3 @@ class AVAsset {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

@@ -1,8 +1,8 @@
-#include "zentrova/platform/media/AVPlayer.h"
+#include "platform/media/AVPlayer.h"
 
 #include <algorithm>
 
-#include "zentrova/platform/ui/RunLoop.h"
+#include "platform/ui/RunLoop.h"
 
 namespace zv {
 

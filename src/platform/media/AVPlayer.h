@@ -7,10 +7,7 @@
 
 #include <memory>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/media/AVPlayerItem.h"
-
-ZENTROVA_API_BEGIN
+#include "platform/media/AVPlayerItem.h"
 
 namespace zv {
 
@@ -44,5 +41,3 @@ class AVPlayer {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

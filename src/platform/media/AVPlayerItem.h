@@ -3,10 +3,7 @@
 
 #include <memory>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/media/AVAsset.h"
-
-ZENTROVA_API_BEGIN
+#include "platform/media/AVAsset.h"
 
 namespace zv {
 
@@ -23,5 +20,3 @@ class AVPlayerItem {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

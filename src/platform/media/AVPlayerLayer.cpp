@@ -1,7 +1,7 @@
-#include "zentrova/platform/media/AVPlayerLayer.h"
+#include "platform/media/AVPlayerLayer.h"
 
-#include "zentrova/platform/graphics/CGImage.h"
-#include "zentrova/platform/media/ClipDecoder.h"
+#include "platform/graphics/CGImage.h"
+#include "platform/media/ClipDecoder.h"
 
 namespace zv {
 

@@ -5,11 +5,8 @@
 
 #include <memory>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/media/AVPlayer.h"
-#include "zentrova/platform/ui/CALayer.h"
-
-ZENTROVA_API_BEGIN
+#include "platform/media/AVPlayer.h"
+#include "platform/ui/CALayer.h"
 
 namespace zv {
 
@@ -36,5 +33,3 @@ class AVPlayerLayer : public CALayer {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

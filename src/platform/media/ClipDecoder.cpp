@@ -1,9 +1,10 @@
-#include "zentrova/platform/media/ClipDecoder.h"
+#include "platform/media/ClipDecoder.h"
 
 #include <algorithm>
 #include <cmath>
 
-#include "zentrova/platform/media/Ffmpeg.h"
+#include "platform/graphics/PixelBuffer.h"
+#include "platform/media/Ffmpeg.h"
 
 namespace zv {
 

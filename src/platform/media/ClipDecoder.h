@@ -8,12 +8,9 @@
 #include <filesystem>
 #include <memory>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/foundation/Geometry.h"
-#include "zentrova/platform/foundation/UniqueHandle.h"
-#include "zentrova/platform/graphics/PixelBuffer.h"
-
-ZENTROVA_API_BEGIN
+#include "platform/foundation/UniqueHandle.h"
+#include "platform/graphics/PixelBuffer.h"
+#include "zentrova/Geometry.h"
 
 struct AVFormatContext;
 struct AVCodecContext;
@@ -74,5 +71,3 @@ class ClipDecoder {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

@@ -1,4 +1,4 @@
-#include "zentrova/platform/media/Ffmpeg.h"
+#include "platform/media/Ffmpeg.h"
 
 #include <dlfcn.h>
 

@@ -1,4 +1,4 @@
-#include "zentrova/platform/net/CurlTransfer.h"
+#include "platform/net/CurlTransfer.h"
 
 #include <fmt/format.h>
 #include <openssl/err.h>
@@ -13,8 +13,9 @@
 #include <string_view>
 #include <system_error>
 
+#include "platform/foundation/Clock.h"
+#include "platform/foundation/Log.h"
 #include "zentrova/Version.h"
-#include "zentrova/platform/foundation/Log.h"
 
 namespace zv {
 

@@ -15,14 +15,11 @@
 #include <optional>
 #include <string>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/foundation/Error.h"
-#include "zentrova/platform/foundation/UniqueHandle.h"
-#include "zentrova/platform/net/HttpUrlResponse.h"
-#include "zentrova/platform/net/UrlSessionConfiguration.h"
-#include "zentrova/platform/net/UrlSessionTask.h"
-
-ZENTROVA_API_BEGIN
+#include "platform/foundation/UniqueHandle.h"
+#include "platform/net/HttpUrlResponse.h"
+#include "platform/net/UrlSessionConfiguration.h"
+#include "platform/net/UrlSessionTask.h"
+#include "zentrova/Error.h"
 
 namespace zv {
 
@@ -100,5 +97,3 @@ class CurlTransfer {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

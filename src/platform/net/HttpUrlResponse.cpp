@@ -1,8 +1,8 @@
-#include "zentrova/platform/net/HttpUrlResponse.h"
+#include "platform/net/HttpUrlResponse.h"
 
 #include <fmt/format.h>
 
-#include "zentrova/platform/net/UrlRequest.h"
+#include "platform/net/UrlRequest.h"
 
 namespace zv {
 

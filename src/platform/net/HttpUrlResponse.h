@@ -9,10 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/foundation/Url.h"
-
-ZENTROVA_API_BEGIN
+#include "zentrova/Url.h"
 
 namespace zv {
 
@@ -40,5 +37,3 @@ class HttpUrlResponse {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

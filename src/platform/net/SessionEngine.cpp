@@ -1,10 +1,11 @@
-#include "zentrova/platform/net/SessionEngine.h"
+#include "platform/net/SessionEngine.h"
 
 #include <algorithm>
 #include <chrono>
 #include <new>
 
-#include "zentrova/platform/net/UrlSession.h"
+#include "platform/foundation/Clock.h"
+#include "platform/net/UrlSession.h"
 
 namespace zv {
 

@@ -16,13 +16,10 @@
 #include <unordered_map>
 #include <vector>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/foundation/UniqueHandle.h"
-#include "zentrova/platform/net/CurlTransfer.h"
-#include "zentrova/platform/net/UrlSessionConfiguration.h"
-#include "zentrova/platform/net/UrlSessionTask.h"
-
-ZENTROVA_API_BEGIN
+#include "platform/foundation/UniqueHandle.h"
+#include "platform/net/CurlTransfer.h"
+#include "platform/net/UrlSessionConfiguration.h"
+#include "platform/net/UrlSessionTask.h"
 
 namespace zv {
 
@@ -67,5 +64,3 @@ class SessionEngine : public std::enable_shared_from_this<SessionEngine> {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

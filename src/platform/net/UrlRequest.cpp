@@ -1,4 +1,4 @@
-#include "zentrova/platform/net/UrlRequest.h"
+#include "platform/net/UrlRequest.h"
 
 #include <algorithm>
 #include <cctype>

@@ -9,10 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/foundation/Url.h"
-
-ZENTROVA_API_BEGIN
+#include "zentrova/Url.h"
 
 namespace zv {
 
@@ -70,5 +67,3 @@ class UrlRequest {
 bool headerNameEquals(std::string_view a, std::string_view b);
 
 }  // namespace zv
-
-ZENTROVA_API_END

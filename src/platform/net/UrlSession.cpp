@@ -1,6 +1,6 @@
-#include "zentrova/platform/net/UrlSession.h"
+#include "platform/net/UrlSession.h"
 
-#include "zentrova/platform/net/SessionEngine.h"
+#include "platform/net/SessionEngine.h"
 
 namespace zv {
 

@@ -15,13 +15,10 @@
 #include <memory>
 #include <optional>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/foundation/Url.h"
-#include "zentrova/platform/net/UrlRequest.h"
-#include "zentrova/platform/net/UrlSessionConfiguration.h"
-#include "zentrova/platform/net/UrlSessionTask.h"
-
-ZENTROVA_API_BEGIN
+#include "platform/net/UrlRequest.h"
+#include "platform/net/UrlSessionConfiguration.h"
+#include "platform/net/UrlSessionTask.h"
+#include "zentrova/Url.h"
 
 namespace zv {
 
@@ -67,5 +64,3 @@ class UrlSession {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

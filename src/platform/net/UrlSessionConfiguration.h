@@ -9,12 +9,9 @@
 #include <memory>
 #include <string>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/foundation/FileManager.h"
-#include "zentrova/platform/net/UrlRequest.h"
-#include "zentrova/platform/net/UrlSessionObserver.h"
-
-ZENTROVA_API_BEGIN
+#include "platform/foundation/FileManager.h"
+#include "platform/net/UrlRequest.h"
+#include "platform/net/UrlSessionObserver.h"
 
 namespace zv {
 
@@ -35,5 +32,3 @@ struct UrlSessionConfiguration {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

@@ -8,10 +8,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/foundation/Error.h"
-
-ZENTROVA_API_BEGIN
+#include "zentrova/Error.h"
 
 namespace zv {
 
@@ -29,5 +26,3 @@ class UrlSessionObserver {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

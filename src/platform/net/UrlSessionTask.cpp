@@ -1,6 +1,6 @@
-#include "zentrova/platform/net/UrlSessionTask.h"
+#include "platform/net/UrlSessionTask.h"
 
-#include "zentrova/platform/net/SessionEngine.h"
+#include "platform/net/SessionEngine.h"
 
 namespace zv {
 

@@ -10,13 +10,10 @@
 #include <optional>
 #include <string>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/foundation/Error.h"
-#include "zentrova/platform/foundation/Url.h"
-#include "zentrova/platform/net/HttpUrlResponse.h"
-#include "zentrova/platform/net/UrlRequest.h"
-
-ZENTROVA_API_BEGIN
+#include "platform/net/HttpUrlResponse.h"
+#include "platform/net/UrlRequest.h"
+#include "zentrova/Error.h"
+#include "zentrova/Url.h"
 
 namespace zv {
 
@@ -79,5 +76,3 @@ class UrlSessionTask : public std::enable_shared_from_this<UrlSessionTask> {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

@@ -1,4 +1,4 @@
-#include "zentrova/platform/notifications/MediaTypeDetector.h"
+#include "platform/notifications/MediaTypeDetector.h"
 
 #include <magic.h>
 

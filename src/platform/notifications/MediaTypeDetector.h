@@ -8,10 +8,6 @@
 #include <string>
 #include <string_view>
 
-#include "zentrova/Export.h"
-
-ZENTROVA_API_BEGIN
-
 namespace zv {
 
 class MediaTypeDetector {
@@ -22,5 +18,3 @@ class MediaTypeDetector {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

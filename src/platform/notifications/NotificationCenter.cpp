@@ -1,6 +1,8 @@
-#include "zentrova/platform/notifications/NotificationCenter.h"
+#include "platform/notifications/NotificationCenter.h"
 
 #include <fmt/format.h>
+
+#include "platform/foundation/Clock.h"
 
 namespace zv {
 

@@ -15,12 +15,9 @@
 #include <mutex>
 #include <vector>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/foundation/Clock.h"
-#include "zentrova/platform/foundation/OperationQueue.h"
-#include "zentrova/platform/notifications/UNNotification.h"
-
-ZENTROVA_API_BEGIN
+#include "platform/foundation/Clock.h"
+#include "platform/foundation/OperationQueue.h"
+#include "zentrova/UNNotification.h"
 
 namespace zv {
 
@@ -60,5 +57,3 @@ class NotificationCenter {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

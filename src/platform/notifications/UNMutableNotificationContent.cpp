@@ -1,8 +1,8 @@
-#include "zentrova/platform/notifications/UNMutableNotificationContent.h"
+#include "zentrova/UNMutableNotificationContent.h"
 
 #include <fmt/format.h>
 
-#include "zentrova/platform/foundation/Exception.h"
+#include "zentrova/Exception.h"
 
 namespace zv {
 

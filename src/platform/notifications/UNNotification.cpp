@@ -1,4 +1,4 @@
-#include "zentrova/platform/notifications/UNNotification.h"
+#include "zentrova/UNNotification.h"
 
 namespace zv {
 

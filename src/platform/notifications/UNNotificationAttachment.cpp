@@ -1,4 +1,4 @@
-#include "zentrova/platform/notifications/UNNotificationAttachment.h"
+#include "zentrova/UNNotificationAttachment.h"
 
 #include <fcntl.h>
 #include <fmt/format.h>
@@ -10,7 +10,7 @@
 #include <cstring>
 #include <random>
 
-#include "zentrova/platform/notifications/MediaTypeDetector.h"
+#include "platform/notifications/MediaTypeDetector.h"
 
 namespace zv {
 

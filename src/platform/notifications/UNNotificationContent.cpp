@@ -1,6 +1,6 @@
-#include "zentrova/platform/notifications/UNNotificationContent.h"
+#include "zentrova/UNNotificationContent.h"
 
-#include "zentrova/platform/notifications/UNMutableNotificationContent.h"
+#include "zentrova/UNMutableNotificationContent.h"
 
 namespace zv {
 

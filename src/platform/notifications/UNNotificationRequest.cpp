@@ -1,6 +1,6 @@
-#include "zentrova/platform/notifications/UNNotificationRequest.h"
+#include "zentrova/UNNotificationRequest.h"
 
-#include "zentrova/platform/notifications/UNMutableNotificationContent.h"
+#include "zentrova/UNMutableNotificationContent.h"
 
 namespace zv {
 

@@ -1,4 +1,4 @@
-#include "zentrova/platform/notifications/UNNotificationSound.h"
+#include "zentrova/UNNotificationSound.h"
 
 namespace zv {
 

@@ -1,4 +1,4 @@
-#include "zentrova/platform/notifications/UNUserNotificationCenter.h"
+#include "platform/notifications/UNUserNotificationCenter.h"
 
 namespace zv {
 

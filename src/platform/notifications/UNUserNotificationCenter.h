@@ -5,10 +5,7 @@
 
 #include <memory>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/notifications/NotificationCenter.h"
-
-ZENTROVA_API_BEGIN
+#include "platform/notifications/NotificationCenter.h"
 
 namespace zv {
 
@@ -27,5 +24,3 @@ class UNUserNotificationCenter {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

@@ -5,12 +5,9 @@
 
 #include <string>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/foundation/Color.h"
-#include "zentrova/platform/text/TextAttributes.h"
-#include "zentrova/platform/text/TextTransform.h"
-
-ZENTROVA_API_BEGIN
+#include "platform/text/TextAttributes.h"
+#include "platform/text/TextTransform.h"
+#include "zentrova/Color.h"
 
 namespace zv {
 
@@ -55,5 +52,3 @@ struct ComputedStyle {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

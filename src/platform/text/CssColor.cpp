@@ -1,4 +1,4 @@
-#include "zentrova/platform/text/CssColor.h"
+#include "platform/text/CssColor.h"
 
 #include <algorithm>
 #include <cmath>
@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "zentrova/platform/text/CssText.h"
+#include "platform/text/CssText.h"
 
 namespace zv::css {
 

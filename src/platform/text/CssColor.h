@@ -7,10 +7,7 @@
 #include <optional>
 #include <string_view>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/foundation/Color.h"
-
-ZENTROVA_API_BEGIN
+#include "zentrova/Color.h"
 
 namespace zv::css {
 
@@ -20,5 +17,3 @@ std::optional<Color> parseColor(std::string_view text);
 std::optional<Color> parseLegacyColor(std::string_view text);
 
 }  // namespace zv::css
-
-ZENTROVA_API_END

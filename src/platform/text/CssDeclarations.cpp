@@ -1,6 +1,6 @@
-#include "zentrova/platform/text/CssDeclarations.h"
+#include "platform/text/CssDeclarations.h"
 
-#include "zentrova/platform/text/CssText.h"
+#include "platform/text/CssText.h"
 
 namespace zv::css {
 

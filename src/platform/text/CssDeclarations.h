@@ -8,10 +8,6 @@
 #include <string_view>
 #include <vector>
 
-#include "zentrova/Export.h"
-
-ZENTROVA_API_BEGIN
-
 namespace zv::css {
 
 struct Declaration {
@@ -25,5 +21,3 @@ std::vector<Declaration> parseDeclarations(std::string_view block);
 std::string stripComments(std::string_view text);
 
 }  // namespace zv::css
-
-ZENTROVA_API_END

@@ -1,10 +1,10 @@
-#include "zentrova/platform/text/CssProperties.h"
+#include "platform/text/CssProperties.h"
 
 #include <algorithm>
 #include <vector>
 
-#include "zentrova/platform/text/CssColor.h"
-#include "zentrova/platform/text/CssText.h"
+#include "platform/text/CssColor.h"
+#include "platform/text/CssText.h"
 
 namespace zv::css {
 

@@ -6,11 +6,8 @@
 #include <optional>
 #include <string_view>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/text/ComputedStyle.h"
-#include "zentrova/platform/text/CssDeclarations.h"
-
-ZENTROVA_API_BEGIN
+#include "platform/text/ComputedStyle.h"
+#include "platform/text/CssDeclarations.h"
 
 namespace zv::css {
 
@@ -30,5 +27,3 @@ std::optional<double> legacyFontSize(std::string_view value);
 std::optional<std::string> firstFontFamily(std::string_view list);
 
 }  // namespace zv::css
-
-ZENTROVA_API_END

@@ -1,7 +1,7 @@
-#include "zentrova/platform/text/CssSelector.h"
+#include "platform/text/CssSelector.h"
 
-#include "zentrova/platform/text/CssText.h"
-#include "zentrova/platform/text/HtmlDocument.h"
+#include "platform/text/CssText.h"
+#include "platform/text/HtmlDocument.h"
 
 namespace zv::css {
 

@@ -13,10 +13,6 @@
 #include <string_view>
 #include <vector>
 
-#include "zentrova/Export.h"
-
-ZENTROVA_API_BEGIN
-
 namespace zv::css {
 
 class Selector {
@@ -54,5 +50,3 @@ class Selector {
 };
 
 }  // namespace zv::css
-
-ZENTROVA_API_END

@@ -1,9 +1,9 @@
-#include "zentrova/platform/text/CssStyleSheet.h"
+#include "platform/text/CssStyleSheet.h"
 
 #include <algorithm>
 #include <string>
 
-#include "zentrova/platform/text/CssText.h"
+#include "platform/text/CssText.h"
 
 namespace zv::css {
 

@@ -9,11 +9,8 @@
 #include <string_view>
 #include <vector>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/text/CssDeclarations.h"
-#include "zentrova/platform/text/CssSelector.h"
-
-ZENTROVA_API_BEGIN
+#include "platform/text/CssDeclarations.h"
+#include "platform/text/CssSelector.h"
 
 namespace zv::css {
 
@@ -41,5 +38,3 @@ class StyleSheet {
 };
 
 }  // namespace zv::css
-
-ZENTROVA_API_END

@@ -1,4 +1,4 @@
-#include "zentrova/platform/text/CssText.h"
+#include "platform/text/CssText.h"
 
 #include <charconv>
 #include <cmath>

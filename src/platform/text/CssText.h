@@ -6,10 +6,6 @@
 #include <string>
 #include <string_view>
 
-#include "zentrova/Export.h"
-
-ZENTROVA_API_BEGIN
-
 namespace zv::css {
 
 inline bool isSpace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f'; }
@@ -27,5 +23,3 @@ struct Number {
 std::optional<Number> parseNumber(std::string_view s);
 
 }  // namespace zv::css
-
-ZENTROVA_API_END

@@ -1,4 +1,4 @@
-#include "zentrova/platform/text/FixedAdvanceTextMeasurer.h"
+#include "platform/text/FixedAdvanceTextMeasurer.h"
 
 #include <algorithm>
 #include <vector>

@@ -4,10 +4,7 @@
 // a new line.
 #pragma once
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/text/TextMeasurer.h"
-
-ZENTROVA_API_BEGIN
+#include "platform/text/TextMeasurer.h"
 
 namespace zv {
 
@@ -23,5 +20,3 @@ class FixedAdvanceTextMeasurer : public TextMeasurer {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

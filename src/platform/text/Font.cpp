@@ -1,4 +1,4 @@
-#include "zentrova/platform/text/Font.h"
+#include "platform/text/Font.h"
 
 #include <fmt/format.h>
 

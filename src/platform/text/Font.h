@@ -6,10 +6,6 @@
 
 #include <string>
 
-#include "zentrova/Export.h"
-
-ZENTROVA_API_BEGIN
-
 namespace zv {
 
 class Font {
@@ -39,5 +35,3 @@ class Font {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

@@ -1,4 +1,4 @@
-#include "zentrova/platform/text/HtmlDocument.h"
+#include "platform/text/HtmlDocument.h"
 
 #include <cstddef>
 #include <cstdlib>

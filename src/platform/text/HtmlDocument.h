@@ -13,10 +13,6 @@
 #include <string_view>
 #include <vector>
 
-#include "zentrova/Export.h"
-
-ZENTROVA_API_BEGIN
-
 namespace zv {
 
 class HtmlDocument {
@@ -56,5 +52,3 @@ class HtmlDocument {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

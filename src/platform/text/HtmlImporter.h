@@ -11,11 +11,8 @@
 #include <memory>
 #include <string_view>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/foundation/Error.h"
-#include "zentrova/platform/text/StyledText.h"
-
-ZENTROVA_API_BEGIN
+#include "platform/text/StyledText.h"
+#include "zentrova/Error.h"
 
 namespace zv {
 
@@ -35,5 +32,3 @@ class HtmlImporter {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

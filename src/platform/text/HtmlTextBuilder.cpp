@@ -1,6 +1,6 @@
-#include "zentrova/platform/text/HtmlTextBuilder.h"
+#include "platform/text/HtmlTextBuilder.h"
 
-#include "zentrova/platform/text/Utf16.h"
+#include "platform/text/Utf16.h"
 
 namespace zv {
 

@@ -12,11 +12,8 @@
 
 #include <string_view>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/text/ComputedStyle.h"
-#include "zentrova/platform/text/StyledText.h"
-
-ZENTROVA_API_BEGIN
+#include "platform/text/ComputedStyle.h"
+#include "platform/text/StyledText.h"
 
 namespace zv {
 
@@ -54,5 +51,3 @@ class HtmlTextBuilder {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

@@ -1,11 +1,11 @@
-#include "zentrova/platform/text/PangoFontConfiguration.h"
+#include "platform/text/PangoFontConfiguration.h"
 
 #include <fontconfig/fontconfig.h>
 #include <pango/pangocairo.h>
 #include <pango/pangofc-fontmap.h>
 
-#include "zentrova/platform/foundation/Exception.h"
-#include "zentrova/platform/foundation/UniqueHandle.h"
+#include "platform/foundation/UniqueHandle.h"
+#include "zentrova/Exception.h"
 
 namespace zv {
 

@@ -8,10 +8,6 @@
 
 #include <filesystem>
 
-#include "zentrova/Export.h"
-
-ZENTROVA_API_BEGIN
-
 typedef struct _PangoFontMap PangoFontMap;
 typedef struct _PangoContext PangoContext;
 
@@ -30,5 +26,3 @@ class PangoFontConfiguration {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

@@ -1,4 +1,4 @@
-#include "zentrova/platform/text/PangoTextMeasurer.h"
+#include "platform/text/PangoTextMeasurer.h"
 
 #include <fmt/format.h>
 #include <pango/pangocairo.h>
@@ -6,8 +6,8 @@
 
 #include <algorithm>
 
-#include "zentrova/platform/foundation/Exception.h"
-#include "zentrova/platform/text/PangoFontConfiguration.h"
+#include "platform/text/PangoFontConfiguration.h"
+#include "zentrova/Exception.h"
 
 namespace zv {
 

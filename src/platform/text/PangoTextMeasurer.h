@@ -23,11 +23,8 @@
 #include <string>
 #include <utility>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/foundation/UniqueHandle.h"
-#include "zentrova/platform/text/TextMeasurer.h"
-
-ZENTROVA_API_BEGIN
+#include "platform/foundation/UniqueHandle.h"
+#include "platform/text/TextMeasurer.h"
 
 typedef struct _PangoFontMap PangoFontMap;
 typedef struct _PangoContext PangoContext;
@@ -64,5 +61,3 @@ class PangoTextMeasurer : public TextMeasurer {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

@@ -13,12 +13,9 @@
 
 #include <string_view>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/text/ComputedStyle.h"
-#include "zentrova/platform/text/CssDeclarations.h"
-#include "zentrova/platform/text/CssStyleSheet.h"
-
-ZENTROVA_API_BEGIN
+#include "platform/text/ComputedStyle.h"
+#include "platform/text/CssDeclarations.h"
+#include "platform/text/CssStyleSheet.h"
 
 namespace zv {
 
@@ -41,5 +38,3 @@ class StyleResolver {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

@@ -1,11 +1,11 @@
-#include "zentrova/platform/text/StyledText.h"
+#include "platform/text/StyledText.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 
-#include "zentrova/platform/foundation/Exception.h"
-#include "zentrova/platform/text/Utf16.h"
+#include "platform/text/Utf16.h"
+#include "zentrova/Exception.h"
 
 namespace zv {
 

@@ -14,11 +14,8 @@
 #include <string_view>
 #include <vector>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/text/Font.h"
-#include "zentrova/platform/text/TextAttributes.h"
-
-ZENTROVA_API_BEGIN
+#include "platform/text/Font.h"
+#include "platform/text/TextAttributes.h"
 
 namespace zv {
 
@@ -92,5 +89,3 @@ class StyledText {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

@@ -8,10 +8,7 @@
 #include <string>
 #include <variant>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/foundation/Color.h"
-
-ZENTROVA_API_BEGIN
+#include "zentrova/Color.h"
 
 namespace zv {
 
@@ -61,5 +58,3 @@ struct TextAttributes {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

@@ -10,10 +10,7 @@
 
 #include <string_view>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/text/Font.h"
-
-ZENTROVA_API_BEGIN
+#include "platform/text/Font.h"
 
 namespace zv {
 
@@ -31,5 +28,3 @@ class TextMeasurer {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

@@ -1,4 +1,4 @@
-#include "zentrova/platform/text/TextTransform.h"
+#include "platform/text/TextTransform.h"
 
 namespace zv {
 

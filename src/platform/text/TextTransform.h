@@ -6,10 +6,6 @@
 #include <string>
 #include <string_view>
 
-#include "zentrova/Export.h"
-
-ZENTROVA_API_BEGIN
-
 namespace zv {
 
 enum class TextTransform { kNone, kUppercase, kLowercase, kCapitalize };
@@ -20,5 +16,3 @@ std::string applyTextTransform(std::string_view utf8, TextTransform transform,
                                bool afterLetter = false);
 
 }  // namespace zv
-
-ZENTROVA_API_END

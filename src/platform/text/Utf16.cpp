@@ -1,4 +1,4 @@
-#include "zentrova/platform/text/Utf16.h"
+#include "platform/text/Utf16.h"
 
 namespace zv {
 

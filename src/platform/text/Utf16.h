@@ -6,10 +6,6 @@
 #include <string>
 #include <string_view>
 
-#include "zentrova/Export.h"
-
-ZENTROVA_API_BEGIN
-
 namespace zv {
 
 void appendUtf8AsUtf16(std::u16string& out, std::string_view utf8);
@@ -17,5 +13,3 @@ std::u16string utf8ToUtf16(std::string_view utf8);
 std::string utf16ToUtf8(std::u16string_view utf16);
 
 }  // namespace zv
-
-ZENTROVA_API_END

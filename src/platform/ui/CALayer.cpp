@@ -1,4 +1,4 @@
-#include "zentrova/platform/ui/CALayer.h"
+#include "platform/ui/CALayer.h"
 
 #include <algorithm>
 

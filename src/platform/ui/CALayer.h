@@ -7,10 +7,7 @@
 #include <memory>
 #include <vector>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/foundation/Geometry.h"
-
-ZENTROVA_API_BEGIN
+#include "zentrova/Geometry.h"
 
 namespace zv {
 
@@ -59,5 +56,3 @@ class CALayer : public std::enable_shared_from_this<CALayer> {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

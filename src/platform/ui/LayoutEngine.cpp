@@ -1,12 +1,12 @@
-#include "zentrova/platform/ui/LayoutEngine.h"
+#include "platform/ui/LayoutEngine.h"
 
 #include <fmt/format.h>
 
 #include <cmath>
 
-#include "zentrova/platform/foundation/Log.h"
-#include "zentrova/platform/ui/NSLayoutConstraint.h"
-#include "zentrova/platform/ui/UIView.h"
+#include "platform/foundation/Log.h"
+#include "platform/ui/NSLayoutConstraint.h"
+#include "zentrova/UIView.h"
 
 namespace zv {
 

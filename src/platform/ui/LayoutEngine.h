@@ -17,10 +17,7 @@
 #include <unordered_set>
 #include <vector>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/ui/SimplexSolver.h"
-
-ZENTROVA_API_BEGIN
+#include "platform/ui/SimplexSolver.h"
 
 namespace zv {
 
@@ -83,5 +80,3 @@ class LayoutEngine {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

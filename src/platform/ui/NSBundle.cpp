@@ -1,6 +1,6 @@
-#include "zentrova/platform/ui/NSBundle.h"
+#include "platform/ui/NSBundle.h"
 
-#include "zentrova/platform/ui/UIView.h"
+#include "zentrova/UIView.h"
 
 namespace zv {
 

@@ -11,10 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/foundation/Value.h"
-
-ZENTROVA_API_BEGIN
+#include "zentrova/Value.h"
 
 namespace zv {
 
@@ -33,6 +30,7 @@ class NSBundle {
   Value objectForInfoDictionaryKey(const std::string& key) const;
 
   void registerInterface(const std::string& name, InterfaceBuilder builder);
+  bool hasInterface(const std::string& name) const { return interfaces_.count(name) != 0; }
   std::vector<std::shared_ptr<UIView>> loadNibNamed(const std::string& name, void* owner) const;
 
  private:
@@ -41,5 +39,3 @@ class NSBundle {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

@@ -1,13 +1,13 @@
-#include "zentrova/platform/ui/NSLayoutConstraint.h"
+#include "platform/ui/NSLayoutConstraint.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <cmath>
 
-#include "zentrova/platform/foundation/Exception.h"
-#include "zentrova/platform/ui/UIView.h"
-#include "zentrova/platform/ui/VisualFormatParser.h"
+#include "platform/ui/VisualFormatParser.h"
+#include "zentrova/Exception.h"
+#include "zentrova/UIView.h"
 
 namespace zv {
 

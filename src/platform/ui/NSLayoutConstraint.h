@@ -10,13 +10,10 @@
 #include <memory>
 #include <string>
 #include <vector>
-#include "zentrova/Export.h"
 
-ZENTROVA_API_BEGIN
+#include "zentrova/UIView.h"
 
 namespace zv {
-
-class UIView;
 
 enum class NSLayoutAttribute {
   kNotAnAttribute = 0,
@@ -35,12 +32,6 @@ enum class NSLayoutAttribute {
 };
 
 enum class NSLayoutRelation { kLessThanOrEqual = -1, kEqual = 0, kGreaterThanOrEqual = 1 };
-
-using UILayoutPriority = float;
-inline constexpr UILayoutPriority UILayoutPriorityRequired = 1000;
-inline constexpr UILayoutPriority UILayoutPriorityDefaultHigh = 750;
-inline constexpr UILayoutPriority UILayoutPriorityDefaultLow = 250;
-inline constexpr UILayoutPriority UILayoutPriorityFittingSizeLevel = 50;
 
 // Options of a visual format: align every view of the chain on one attribute.
 using NSLayoutFormatOptions = unsigned long;
@@ -115,5 +106,3 @@ class NSLayoutConstraint : public std::enable_shared_from_this<NSLayoutConstrain
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

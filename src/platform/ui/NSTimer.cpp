@@ -1,4 +1,4 @@
-#include "zentrova/platform/ui/NSTimer.h"
+#include "platform/ui/NSTimer.h"
 
 #include <algorithm>
 #include <cmath>

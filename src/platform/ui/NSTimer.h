@@ -6,10 +6,7 @@
 #include <functional>
 #include <memory>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/ui/RunLoop.h"
-
-ZENTROVA_API_BEGIN
+#include "platform/ui/RunLoop.h"
 
 namespace zv {
 
@@ -44,5 +41,3 @@ class NSTimer : public std::enable_shared_from_this<NSTimer> {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

@@ -1,4 +1,4 @@
-#include "zentrova/platform/ui/RunLoop.h"
+#include "platform/ui/RunLoop.h"
 
 #include <algorithm>
 #include <chrono>
@@ -6,7 +6,7 @@
 #include <limits>
 #include <thread>
 
-#include "zentrova/platform/ui/NSTimer.h"
+#include "platform/ui/NSTimer.h"
 
 namespace zv {
 

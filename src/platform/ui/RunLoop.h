@@ -13,10 +13,6 @@
 #include <memory>
 #include <vector>
 
-#include "zentrova/Export.h"
-
-ZENTROVA_API_BEGIN
-
 namespace zv {
 
 class NSTimer;
@@ -72,5 +68,3 @@ class ManualRunLoop : public RunLoop {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

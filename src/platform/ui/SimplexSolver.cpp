@@ -1,4 +1,4 @@
-#include "zentrova/platform/ui/SimplexSolver.h"
+#include "platform/ui/SimplexSolver.h"
 
 #include <algorithm>
 #include <cmath>

@@ -10,10 +10,6 @@
 #include <unordered_map>
 #include <vector>
 
-#include "zentrova/Export.h"
-
-ZENTROVA_API_BEGIN
-
 namespace zv {
 
 class SimplexSolver {
@@ -96,5 +92,3 @@ class SimplexSolver {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

@@ -1,11 +1,11 @@
-#include "zentrova/platform/ui/UICollectionView.h"
+#include "platform/ui/UICollectionView.h"
 
 #include <algorithm>
 #include <cmath>
 
-#include "zentrova/platform/foundation/Exception.h"
-#include "zentrova/platform/ui/NSTimer.h"
-#include "zentrova/platform/ui/RunLoop.h"
+#include "platform/ui/NSTimer.h"
+#include "platform/ui/RunLoop.h"
+#include "zentrova/Exception.h"
 
 namespace zv {
 

@@ -14,12 +14,9 @@
 #include <optional>
 #include <vector>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/ui/UICollectionViewCell.h"
-#include "zentrova/platform/ui/UICollectionViewFlowLayout.h"
-#include "zentrova/platform/ui/UIView.h"
-
-ZENTROVA_API_BEGIN
+#include "platform/ui/UICollectionViewCell.h"
+#include "platform/ui/UICollectionViewFlowLayout.h"
+#include "zentrova/UIView.h"
 
 namespace zv {
 
@@ -132,5 +129,3 @@ class UICollectionView : public UIView {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

@@ -1,4 +1,4 @@
-#include "zentrova/platform/ui/UICollectionViewCell.h"
+#include "platform/ui/UICollectionViewCell.h"
 
 namespace zv {
 

@@ -5,10 +5,7 @@
 
 #include <string>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/ui/UIView.h"
-
-ZENTROVA_API_BEGIN
+#include "zentrova/UIView.h"
 
 namespace zv {
 
@@ -41,5 +38,3 @@ class UICollectionViewCell : public UIView {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

@@ -3,10 +3,7 @@
 // edge), from the section inset's left.
 #pragma once
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/foundation/Geometry.h"
-
-ZENTROVA_API_BEGIN
+#include "zentrova/Geometry.h"
 
 namespace zv {
 
@@ -31,5 +28,3 @@ class UICollectionViewFlowLayout {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

@@ -1,4 +1,4 @@
-#include "zentrova/platform/ui/UIColor.h"
+#include "platform/ui/UIColor.h"
 
 namespace zv {
 

@@ -5,11 +5,8 @@
 // code keeps treating colours as plain RGBA values.
 #pragma once
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/foundation/Color.h"
-#include "zentrova/platform/ui/UITraitCollection.h"
-
-ZENTROVA_API_BEGIN
+#include "zentrova/Color.h"
+#include "zentrova/UITraitCollection.h"
 
 namespace zv {
 
@@ -22,5 +19,3 @@ class UIColor {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

@@ -1,8 +1,8 @@
-#include "zentrova/platform/ui/UIImageView.h"
+#include "platform/ui/UIImageView.h"
 
 #include <cmath>
 
-#include "zentrova/platform/ui/RunLoop.h"
+#include "platform/ui/RunLoop.h"
 
 namespace zv {
 

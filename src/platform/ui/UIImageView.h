@@ -8,10 +8,7 @@
 #include <optional>
 #include <vector>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/ui/UIView.h"
-
-ZENTROVA_API_BEGIN
+#include "zentrova/UIView.h"
 
 namespace zv {
 
@@ -69,5 +66,3 @@ class UIImageView : public UIView {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

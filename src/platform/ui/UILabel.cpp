@@ -1,10 +1,10 @@
-#include "zentrova/platform/ui/UILabel.h"
+#include "platform/ui/UILabel.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
 
-#include "zentrova/platform/ui/UIColor.h"
+#include "platform/ui/UIColor.h"
 
 namespace zv {
 

@@ -8,13 +8,10 @@
 #include <memory>
 #include <string>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/text/Font.h"
-#include "zentrova/platform/text/StyledText.h"
-#include "zentrova/platform/text/TextMeasurer.h"
-#include "zentrova/platform/ui/UIView.h"
-
-ZENTROVA_API_BEGIN
+#include "platform/text/Font.h"
+#include "platform/text/StyledText.h"
+#include "platform/text/TextMeasurer.h"
+#include "zentrova/UIView.h"
 
 namespace zv {
 
@@ -57,5 +54,3 @@ class UILabel : public UIView {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

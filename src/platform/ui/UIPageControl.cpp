@@ -1,4 +1,4 @@
-#include "zentrova/platform/ui/UIPageControl.h"
+#include "platform/ui/UIPageControl.h"
 
 #include <algorithm>
 

@@ -2,10 +2,7 @@
 // page when asked to. The background style is kept for drawing. Main thread only.
 #pragma once
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/ui/UIView.h"
-
-ZENTROVA_API_BEGIN
+#include "zentrova/UIView.h"
 
 namespace zv {
 
@@ -45,5 +42,3 @@ class UIPageControl : public UIView {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

@@ -1,4 +1,4 @@
-#include "zentrova/platform/ui/UIScreen.h"
+#include "platform/ui/UIScreen.h"
 
 namespace zv {
 

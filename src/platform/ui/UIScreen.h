@@ -2,10 +2,7 @@
 // screen is process-wide and settable, so tests and the CLI can pick a phone size.
 #pragma once
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/foundation/Geometry.h"
-
-ZENTROVA_API_BEGIN
+#include "zentrova/Geometry.h"
 
 namespace zv {
 
@@ -23,5 +20,3 @@ class UIScreen {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

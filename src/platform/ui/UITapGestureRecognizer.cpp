@@ -1,6 +1,6 @@
-#include "zentrova/platform/ui/UITapGestureRecognizer.h"
+#include "platform/ui/UITapGestureRecognizer.h"
 
-#include "zentrova/platform/ui/UIView.h"
+#include "zentrova/UIView.h"
 
 namespace zv {
 

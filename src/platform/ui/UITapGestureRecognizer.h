@@ -6,10 +6,7 @@
 #include <functional>
 #include <memory>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/foundation/Geometry.h"
-
-ZENTROVA_API_BEGIN
+#include "zentrova/Geometry.h"
 
 namespace zv {
 
@@ -44,5 +41,3 @@ class UITapGestureRecognizer {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

@@ -1,11 +1,16 @@
-#include "zentrova/platform/ui/UIView.h"
+#include "zentrova/UIView.h"
 
 #include <algorithm>
 
-#include "zentrova/platform/ui/LayoutEngine.h"
-#include "zentrova/platform/ui/UITapGestureRecognizer.h"
+#include "platform/ui/CALayer.h"
+#include "platform/ui/LayoutEngine.h"
+#include "platform/ui/NSLayoutConstraint.h"
+#include "platform/ui/UITapGestureRecognizer.h"
 
 namespace zv {
+
+bool UIView::clipsToBounds() const { return layer_->masksToBounds(); }
+void UIView::setClipsToBounds(bool clips) { layer_->setMasksToBounds(clips); }
 
 UIView::UIView() : UIView(CGRect{}) {}
 

@@ -1,4 +1,4 @@
-#include "zentrova/platform/ui/UIViewController.h"
+#include "zentrova/UIViewController.h"
 
 namespace zv {
 

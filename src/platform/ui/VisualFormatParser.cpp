@@ -1,11 +1,12 @@
-#include "zentrova/platform/ui/VisualFormatParser.h"
+#include "platform/ui/VisualFormatParser.h"
 
 #include <cctype>
 #include <cmath>
 #include <cstdlib>
 
-#include "zentrova/platform/foundation/Exception.h"
-#include "zentrova/platform/ui/UIView.h"
+#include "platform/ui/NSLayoutConstraint.h"
+#include "zentrova/Exception.h"
+#include "zentrova/UIView.h"
 
 namespace zv {
 

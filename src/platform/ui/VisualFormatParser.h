@@ -9,10 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/ui/NSLayoutConstraint.h"
-
-ZENTROVA_API_BEGIN
+#include "platform/ui/NSLayoutConstraint.h"
 
 namespace zv {
 
@@ -59,5 +56,3 @@ class VisualFormatParser {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

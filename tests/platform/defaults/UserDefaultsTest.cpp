@@ -8,10 +8,10 @@
 #include <cmath>
 #include <fstream>
 
+#include "platform/foundation/ExactJson.h"
 #include "support/TestSupport.h"
-#include "zentrova/platform/defaults/UserDefaults.h"
-#include "zentrova/platform/foundation/ExactJson.h"
-#include "zentrova/platform/foundation/Exception.h"
+#include "zentrova/Exception.h"
+#include "zentrova/UserDefaults.h"
 
 namespace zv {
 namespace {

@@ -3,8 +3,8 @@
 
 #include <fstream>
 
+#include "platform/foundation/FileManager.h"
 #include "support/TestSupport.h"
-#include "zentrova/platform/foundation/FileManager.h"
 
 namespace zv {
 namespace {

@@ -5,9 +5,9 @@
 #include <future>
 #include <thread>
 
+#include "platform/foundation/OperationQueue.h"
 #include "support/TestSupport.h"
-#include "zentrova/platform/foundation/Exception.h"
-#include "zentrova/platform/foundation/OperationQueue.h"
+#include "zentrova/Exception.h"
 
 namespace zv {
 namespace {

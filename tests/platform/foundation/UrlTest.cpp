@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
-#include "zentrova/platform/foundation/Exception.h"
-#include "zentrova/platform/foundation/Md5.h"
-#include "zentrova/platform/foundation/Url.h"
+#include "platform/foundation/Md5.h"
+#include "zentrova/Exception.h"
+#include "zentrova/Url.h"
 
 namespace zv {
 namespace {

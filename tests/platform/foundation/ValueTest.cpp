@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "zentrova/platform/foundation/Exception.h"
-#include "zentrova/platform/foundation/Value.h"
+#include "zentrova/Exception.h"
+#include "zentrova/Value.h"
 
 namespace zv {
 namespace {

@@ -2,10 +2,11 @@
 
 #include <filesystem>
 
+#include "platform/graphics/CGImageSource.h"
+#include "platform/graphics/ImageDecoder.h"
+#include "platform/graphics/PixelBuffer.h"
 #include "support/GifBytes.h"
 #include "support/TestSupport.h"
-#include "zentrova/platform/graphics/CGImageSource.h"
-#include "zentrova/platform/graphics/ImageDecoder.h"
 
 namespace zv {
 namespace {

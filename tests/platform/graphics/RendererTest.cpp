@@ -3,19 +3,20 @@
 #include <cstdlib>
 #include <filesystem>
 
+#include "platform/graphics/ImageDecoder.h"
+#include "platform/graphics/PixelBuffer.h"
+#include "platform/graphics/PngWriter.h"
+#include "platform/graphics/UIImage.h"
+#include "platform/text/PangoTextMeasurer.h"
+#include "platform/ui/CALayer.h"
+#include "platform/ui/RunLoop.h"
+#include "platform/ui/UIColor.h"
+#include "platform/ui/UIImageView.h"
+#include "platform/ui/UILabel.h"
+#include "platform/ui/UIPageControl.h"
 #include "support/GoldenImage.h"
 #include "support/TestSupport.h"
-#include "zentrova/platform/graphics/ImageDecoder.h"
-#include "zentrova/platform/graphics/PngWriter.h"
-#include "zentrova/platform/graphics/Renderer.h"
-#include "zentrova/platform/graphics/UIImage.h"
-#include "zentrova/platform/text/PangoTextMeasurer.h"
-#include "zentrova/platform/ui/CALayer.h"
-#include "zentrova/platform/ui/RunLoop.h"
-#include "zentrova/platform/ui/UIColor.h"
-#include "zentrova/platform/ui/UIImageView.h"
-#include "zentrova/platform/ui/UILabel.h"
-#include "zentrova/platform/ui/UIPageControl.h"
+#include "zentrova/Renderer.h"
 
 namespace zv {
 namespace {

@@ -2,8 +2,8 @@
 
 #include <filesystem>
 
+#include "platform/graphics/UIImage.h"
 #include "support/TestSupport.h"
-#include "zentrova/platform/graphics/UIImage.h"
 
 namespace zv {
 namespace {

@@ -2,9 +2,9 @@
 
 #include <filesystem>
 
-#include "zentrova/platform/graphics/CGImage.h"
-#include "zentrova/platform/media/AVPlayerLayer.h"
-#include "zentrova/platform/ui/RunLoop.h"
+#include "platform/graphics/CGImage.h"
+#include "platform/media/AVPlayerLayer.h"
+#include "platform/ui/RunLoop.h"
 
 namespace zv {
 namespace {

@@ -12,12 +12,12 @@
 #include <thread>
 #include <tuple>
 
+#include "platform/net/UrlSession.h"
 #include "support/LocalServer.h"
 #include "support/ProcessStateReset.h"
 #include "support/TestCertificates.h"
 #include "support/TestSupport.h"
-#include "zentrova/platform/Platform.h"
-#include "zentrova/platform/net/UrlSession.h"
+#include "zentrova/Platform.h"
 
 namespace {
 

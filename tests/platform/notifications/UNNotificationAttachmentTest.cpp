@@ -3,7 +3,7 @@
 #include <fstream>
 
 #include "support/TestSupport.h"
-#include "zentrova/platform/notifications/UNNotificationAttachment.h"
+#include "zentrova/UNNotificationAttachment.h"
 
 namespace zv {
 namespace {

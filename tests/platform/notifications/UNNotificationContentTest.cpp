@@ -2,9 +2,9 @@
 
 #include <thread>
 
-#include "zentrova/platform/foundation/Exception.h"
-#include "zentrova/platform/notifications/UNMutableNotificationContent.h"
-#include "zentrova/platform/notifications/UNNotificationRequest.h"
+#include "zentrova/Exception.h"
+#include "zentrova/UNMutableNotificationContent.h"
+#include "zentrova/UNNotificationRequest.h"
 
 namespace zv {
 namespace {

@@ -3,9 +3,10 @@
 #include <future>
 #include <thread>
 
-#include "zentrova/model/ZVRichNotifUtils.h"
-#include "zentrova/platform/notifications/UNMutableNotificationContent.h"
-#include "zentrova/platform/notifications/UNUserNotificationCenter.h"
+#include "model/ZVRichNotifUtils.h"
+#include "platform/foundation/Clock.h"
+#include "platform/notifications/UNUserNotificationCenter.h"
+#include "zentrova/UNMutableNotificationContent.h"
 
 namespace zv {
 namespace {

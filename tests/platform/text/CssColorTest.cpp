@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "zentrova/platform/text/CssColor.h"
+#include "platform/text/CssColor.h"
 
 namespace zv::css {
 namespace {

@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "zentrova/platform/text/CssProperties.h"
+#include "platform/text/CssProperties.h"
 
 namespace zv::css {
 namespace {

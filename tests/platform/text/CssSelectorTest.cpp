@@ -3,9 +3,9 @@
 #include <string>
 #include <vector>
 
-#include "zentrova/platform/text/CssSelector.h"
-#include "zentrova/platform/text/CssStyleSheet.h"
-#include "zentrova/platform/text/HtmlDocument.h"
+#include "platform/text/CssSelector.h"
+#include "platform/text/CssStyleSheet.h"
+#include "platform/text/HtmlDocument.h"
 
 namespace zv::css {
 namespace {

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "zentrova/platform/text/HtmlImporter.h"
-#include "zentrova/platform/text/Utf16.h"
+#include "platform/text/HtmlImporter.h"
+#include "platform/text/Utf16.h"
 
 namespace zv {
 namespace {

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "zentrova/platform/foundation/Exception.h"
-#include "zentrova/platform/text/StyledText.h"
+#include "platform/text/StyledText.h"
+#include "zentrova/Exception.h"
 
 namespace zv {
 namespace {

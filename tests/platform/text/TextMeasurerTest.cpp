@@ -3,8 +3,8 @@
 #include <cmath>
 #include <thread>
 
-#include "zentrova/platform/text/FixedAdvanceTextMeasurer.h"
-#include "zentrova/platform/text/PangoTextMeasurer.h"
+#include "platform/text/FixedAdvanceTextMeasurer.h"
+#include "platform/text/PangoTextMeasurer.h"
 
 namespace zv {
 namespace {

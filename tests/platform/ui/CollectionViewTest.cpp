@@ -3,10 +3,10 @@
 #include <string>
 #include <vector>
 
-#include "zentrova/platform/ui/NSTimer.h"
-#include "zentrova/platform/ui/RunLoop.h"
-#include "zentrova/platform/ui/UICollectionView.h"
-#include "zentrova/platform/ui/UITapGestureRecognizer.h"
+#include "platform/ui/NSTimer.h"
+#include "platform/ui/RunLoop.h"
+#include "platform/ui/UICollectionView.h"
+#include "platform/ui/UITapGestureRecognizer.h"
 
 namespace zv {
 namespace {

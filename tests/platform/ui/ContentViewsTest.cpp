@@ -1,14 +1,16 @@
 #include <gtest/gtest.h>
 
-#include "zentrova/platform/graphics/UIImage.h"
-#include "zentrova/platform/text/FixedAdvanceTextMeasurer.h"
-#include "zentrova/platform/ui/NSBundle.h"
-#include "zentrova/platform/ui/RunLoop.h"
-#include "zentrova/platform/ui/UIColor.h"
-#include "zentrova/platform/ui/UIImageView.h"
-#include "zentrova/platform/ui/UILabel.h"
-#include "zentrova/platform/ui/UIPageControl.h"
-#include "zentrova/platform/ui/UIViewController.h"
+#include "platform/graphics/PixelBuffer.h"
+#include "platform/graphics/UIImage.h"
+#include "platform/text/FixedAdvanceTextMeasurer.h"
+#include "platform/ui/NSBundle.h"
+#include "platform/ui/NSLayoutConstraint.h"
+#include "platform/ui/RunLoop.h"
+#include "platform/ui/UIColor.h"
+#include "platform/ui/UIImageView.h"
+#include "platform/ui/UILabel.h"
+#include "platform/ui/UIPageControl.h"
+#include "zentrova/UIViewController.h"
 
 namespace zv {
 

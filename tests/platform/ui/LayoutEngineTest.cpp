@@ -3,10 +3,11 @@
 #include <string>
 #include <vector>
 
-#include "zentrova/platform/foundation/Log.h"
-#include "zentrova/platform/ui/LayoutEngine.h"
-#include "zentrova/platform/ui/NSLayoutConstraint.h"
-#include "zentrova/platform/ui/UIView.h"
+#include "platform/foundation/Log.h"
+#include "platform/ui/CALayer.h"
+#include "platform/ui/LayoutEngine.h"
+#include "platform/ui/NSLayoutConstraint.h"
+#include "zentrova/UIView.h"
 
 namespace zv {
 namespace {

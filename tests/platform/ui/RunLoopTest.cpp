@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
-#include "zentrova/platform/ui/NSTimer.h"
-#include "zentrova/platform/ui/RunLoop.h"
+#include "platform/ui/NSTimer.h"
+#include "platform/ui/RunLoop.h"
 
 namespace zv {
 namespace {

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "zentrova/platform/ui/UITapGestureRecognizer.h"
-#include "zentrova/platform/ui/UIView.h"
+#include "platform/ui/UITapGestureRecognizer.h"
+#include "zentrova/UIView.h"
 
 namespace zv {
 namespace {

@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
-#include "zentrova/platform/foundation/Exception.h"
-#include "zentrova/platform/ui/NSLayoutConstraint.h"
-#include "zentrova/platform/ui/UIView.h"
+#include "platform/ui/NSLayoutConstraint.h"
+#include "zentrova/Exception.h"
+#include "zentrova/UIView.h"
 
 namespace zv {
 namespace {

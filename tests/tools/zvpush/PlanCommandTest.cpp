@@ -9,7 +9,7 @@
 
 #include "support/LocalServer.h"
 #include "support/TestSupport.h"
-#include "zentrova/platform/foundation/Value.h"
+#include "zentrova/Value.h"
 
 namespace {
 

@@ -6,11 +6,11 @@
 #include <boost/json.hpp>
 #include <fstream>
 
+#include "platform/foundation/Md5.h"
+#include "platform/graphics/ImageDecoder.h"
 #include "support/GoldenImage.h"
 #include "support/TestSupport.h"
-#include "zentrova/platform/foundation/Md5.h"
-#include "zentrova/platform/foundation/Value.h"
-#include "zentrova/platform/graphics/ImageDecoder.h"
+#include "zentrova/Value.h"
 
 namespace zvtest {
 namespace {

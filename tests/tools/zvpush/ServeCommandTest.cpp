@@ -10,7 +10,7 @@
 #include "support/ServerProcess.h"
 #include "support/TestCertificates.h"
 #include "support/TestSupport.h"
-#include "zentrova/platform/foundation/Value.h"
+#include "zentrova/Value.h"
 
 namespace {
 

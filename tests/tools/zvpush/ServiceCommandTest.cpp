@@ -6,10 +6,10 @@
 #include <fstream>
 #include <future>
 
+#include "platform/foundation/Md5.h"
 #include "support/LocalServer.h"
 #include "support/TestSupport.h"
-#include "zentrova/platform/foundation/Md5.h"
-#include "zentrova/platform/foundation/Value.h"
+#include "zentrova/Value.h"
 
 namespace zvtest {
 namespace {

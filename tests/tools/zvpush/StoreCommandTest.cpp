@@ -6,7 +6,7 @@
 #include <fstream>
 
 #include "support/TestSupport.h"
-#include "zentrova/store/ZVExtensionDataManager.h"
+#include "zentrova/ZVExtensionDataManager.h"
 
 namespace zv {
 namespace {

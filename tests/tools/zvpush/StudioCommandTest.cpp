@@ -7,10 +7,10 @@
 #include <boost/json.hpp>
 #include <fstream>
 
+#include "platform/graphics/UIImage.h"
 #include "support/Payloads.h"
 #include "support/ServerProcess.h"
 #include "support/TestSupport.h"
-#include "zentrova/platform/graphics/UIImage.h"
 
 namespace zvtest {
 namespace {
