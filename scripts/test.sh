@@ -2,7 +2,8 @@
 # Installs the packages, checks the formatting, builds everything (release) and runs the whole test
 # suite, installs that build into a temporary prefix and builds the host example against it, then
 # builds again with the address and undefined-behaviour sanitizers and shared libraries (the asan
-# preset) and runs the suite once more under them; last, each fuzz target runs for 60 seconds.
+# preset), compares those libraries' ABI with the baseline in abi/, and runs the suite once more
+# under the sanitizers; last, each fuzz target runs for 60 seconds.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/install-deps.sh
@@ -13,7 +14,8 @@ cmake --build --preset release -j "$jobs"
 ctest --preset release -j "$jobs"
 bash scripts/check-install.sh build/release
 cmake --preset asan
-cmake --build --preset asan -j "$jobs" --target zv_tests zvpush zvpush-content
+cmake --build --preset asan -j "$jobs" --target zv_tests zvpush zvpush-content zv_service zv_content
+bash scripts/check-abi.sh build/asan
 ASAN_OPTIONS=detect_leaks=1 LSAN_OPTIONS=suppressions=$PWD/tests/lsan.supp \
   UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
   ctest --preset asan -j "$jobs"
