@@ -11,6 +11,7 @@
 #include <zentrova/platform/defaults/UserDefaults.h>
 #include <zentrova/platform/foundation/Exception.h>
 #include <zentrova/platform/graphics/Renderer.h>
+#include <zentrova/platform/notifications/ContentDelivery.h>
 #include <zentrova/platform/notifications/UNMutableNotificationContent.h>
 #include <zentrova/platform/notifications/UNNotification.h>
 #include <zentrova/platform/notifications/UNNotificationRequest.h>
@@ -25,7 +26,6 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
-#include <future>
 #include <iostream>
 #include <sstream>
 
@@ -55,16 +55,16 @@ void configureStore(int reportsPort) {
 // seconds a phone allows.
 std::shared_ptr<zv::UNNotificationContent> serviceExtension(const zv::Value& payload) {
   auto request = zv::UNNotificationRequest::requestWithRemoteNotification("host-1", payload);
-  auto delivered = std::make_shared<std::promise<std::shared_ptr<zv::UNNotificationContent>>>();
-  auto future = delivered->get_future();
-  zv::ZVRichNotification::handleRichNotificationRequest(
-      request, [delivered](const std::shared_ptr<zv::UNNotificationContent>& content) {
-        delivered->set_value(content);
-      });
-  if (future.wait_for(std::chrono::seconds(30)) != std::future_status::ready) {
+  // The system shows the first content handed and ignores later calls: the flow may call the
+  // handler again when it ends after the 30 seconds, or when a guard catches an exception raised
+  // by the handler. ContentDelivery does what the system does.
+  zv::ContentDelivery delivery;
+  zv::ZVRichNotification::handleRichNotificationRequest(request, delivery.contentHandler());
+  if (!delivery.waitFor(std::chrono::seconds(30))) {
     zv::ZVRichNotification::serviceExtensionTimeWillExpire();
+    delivery.wait();
   }
-  return future.get();
+  return delivery.content();
 }
 
 // The notification-content extension: the expanded view of the notification, drawn to a PNG.
