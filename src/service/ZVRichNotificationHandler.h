@@ -100,9 +100,9 @@ class ZVRichNotificationHandler {
   void runRequestFlow(const std::shared_ptr<UNNotificationRequest>& request, bool full,
                       ContentHandler contentHandler);
   // One request in flight, as its flow and the time budget share it.
-  struct Delivery;
+  struct InFlight;
   // An end of the flow: the request leaves the in-flight list and its handler gets the content.
-  void deliver(const std::shared_ptr<Delivery>& delivery);
+  void deliver(const std::shared_ptr<InFlight>& flight);
 
   // Downloads the media side by side; completion as for getAttachmentsForNotification. Returns
   // the running downloads, or nullptr when there is nothing to download.
@@ -112,7 +112,7 @@ class ZVRichNotificationHandler {
 
   mutable std::mutex mutex_;
   std::shared_ptr<NotificationCenter> notificationCenter_;
-  std::vector<std::weak_ptr<Delivery>> inFlight_;
+  std::vector<std::weak_ptr<InFlight>> inFlight_;
 };
 
 }  // namespace zv

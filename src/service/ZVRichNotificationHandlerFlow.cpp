@@ -35,13 +35,13 @@ void logException(const char* prefix, const Exception& e) {
 // keeps no flag of an earlier delivery, so a guard that catches an exception raised by the handler
 // itself calls it again, and a flow that ends after the time budget has delivered calls it again.
 // What becomes of a repeated call is the system's business (the notification is already shown).
-struct ZVRichNotificationHandler::Delivery {
+struct ZVRichNotificationHandler::InFlight {
   std::mutex mutex;
   std::shared_ptr<UNMutableNotificationContent> content;
   ContentHandler handler;
   std::shared_ptr<MediaDownloads> downloads;
 
-  Delivery(std::shared_ptr<UNMutableNotificationContent> c, ContentHandler h)
+  InFlight(std::shared_ptr<UNMutableNotificationContent> c, ContentHandler h)
       : content(std::move(c)), handler(std::move(h)) {}
 
   void setDownloads(std::shared_ptr<MediaDownloads> running) {
@@ -52,7 +52,7 @@ struct ZVRichNotificationHandler::Delivery {
   void deliver() {
     {
       std::lock_guard lock(mutex);
-      downloads.reset();  // their completion holds this delivery
+      downloads.reset();  // their completion holds this request
     }
     handler(content);
   }
@@ -79,26 +79,26 @@ struct ZVRichNotificationHandler::Delivery {
 // The budget delivers each request still in flight once; a request leaves the list when its flow
 // reaches an end (see deliver) or when the budget has delivered it.
 void ZVRichNotificationHandler::serviceExtensionTimeWillExpire() {
-  std::vector<std::shared_ptr<Delivery>> pending;
+  std::vector<std::shared_ptr<InFlight>> pending;
   {
     std::lock_guard lock(mutex_);
     for (const auto& weak : inFlight_) {
-      if (auto delivery = weak.lock()) pending.push_back(delivery);
+      if (auto flight = weak.lock()) pending.push_back(flight);
     }
     inFlight_.clear();
   }
-  for (const auto& delivery : pending) delivery->expire();
+  for (const auto& flight : pending) flight->expire();
 }
 
-void ZVRichNotificationHandler::deliver(const std::shared_ptr<Delivery>& delivery) {
+void ZVRichNotificationHandler::deliver(const std::shared_ptr<InFlight>& flight) {
   {
     std::lock_guard lock(mutex_);
     std::erase_if(inFlight_, [&](const auto& weak) {
       auto held = weak.lock();
-      return !held || held == delivery;
+      return !held || held == flight;
     });
   }
-  delivery->deliver();
+  flight->deliver();
 }
 
 void ZVRichNotificationHandler::handleRichNotificationRequest(
@@ -120,16 +120,16 @@ void ZVRichNotificationHandler::runRequestFlow(
   const auto flow = full ? ServicePlan::Flow::kFull : ServicePlan::Flow::kContentOnly;
   ServicePlan plan = ServicePlan::make(*this, request, true);
   auto content = plan.content;
-  auto delivery = std::make_shared<Delivery>(content, std::move(contentHandler));
+  auto flight = std::make_shared<InFlight>(content, std::move(contentHandler));
   {
     std::lock_guard lock(mutex_);
     std::erase_if(inFlight_, [](const auto& weak) { return weak.expired(); });
-    inFlight_.push_back(delivery);
+    inFlight_.push_back(flight);
   }
   try {
     if (!plan.payload) {
       if (plan.failure) ZVRichNotifUtils::logWithMessage(plan.guardMessage(flow));
-      deliver(delivery);
+      deliver(flight);
       return;
     }
     auto payload = plan.payload;
@@ -141,15 +141,15 @@ void ZVRichNotificationHandler::runRequestFlow(
     }
     if (plan.failure) {
       ZVRichNotifUtils::logWithMessage(plan.guardMessage(flow));
-      deliver(delivery);
+      deliver(flight);
       return;
     }
     auto downloads = downloadAttachments(
-        plan.media, [this, content, payload, full, delivery](const Attachments& attachments) {
+        plan.media, [this, content, payload, full, flight](const Attachments& attachments) {
           try {
             if (!attachments.empty()) content->setAttachments(attachments);
             if (!full) {
-              deliver(delivery);
+              deliver(flight);
               return;
             }
             const auto& rich = payload->richPush;
@@ -160,17 +160,17 @@ void ZVRichNotificationHandler::runRequestFlow(
             // Delivery waits for the report: the notification shows once the request has finished,
             // failed or been skipped.
             ZVExtensionNetworkManager::sharedManager().flushEventsWithCompletionBlock(
-                [this, delivery](bool) { deliver(delivery); });
+                [this, flight](bool) { deliver(flight); });
           } catch (const Exception& e) {
             logException("Exception while getting attachments: ", e);
-            deliver(delivery);
+            deliver(flight);
           }
         });
-    delivery->setDownloads(std::move(downloads));
+    flight->setDownloads(std::move(downloads));
   } catch (const Exception& e) {
     plan.failure = e.description();
     ZVRichNotifUtils::logWithMessage(plan.guardMessage(flow));
-    deliver(delivery);
+    deliver(flight);
   }
 }
 

@@ -1,10 +1,9 @@
-#include "zentrova/platform/notifications/ContentDelivery.h"
-
 #include <gtest/gtest.h>
 
 #include <thread>
 #include <vector>
 
+#include "zentrova/platform/notifications/ContentDelivery.h"
 #include "zentrova/platform/notifications/UNMutableNotificationContent.h"
 
 namespace zv {
@@ -41,9 +40,8 @@ TEST(ContentDeliveryTest, OneOfConcurrentCallsIsShown) {
   ContentDelivery delivery;
   std::vector<std::thread> threads;
   for (int i = 0; i < 8; ++i) {
-    threads.emplace_back([i, handler = delivery.contentHandler()] {
-      handler(titled(std::to_string(i)));
-    });
+    threads.emplace_back(
+        [i, handler = delivery.contentHandler()] { handler(titled(std::to_string(i))); });
   }
   delivery.wait();
   for (auto& t : threads) t.join();
