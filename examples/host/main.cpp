@@ -6,21 +6,21 @@
 //  3. the notification-content extension shows the delivered notification: Zentrova adds its
 //     template to the controller's view, which is drawn here into a PNG.
 // Usage: zentrova-host PAYLOAD.json OUT.png [REPORTS_PORT]
-#include <zentrova/Version.h>
-#include <zentrova/platform/Platform.h>
-#include <zentrova/platform/defaults/UserDefaults.h>
-#include <zentrova/platform/foundation/Exception.h>
-#include <zentrova/platform/graphics/Renderer.h>
-#include <zentrova/platform/notifications/ContentDelivery.h>
-#include <zentrova/platform/notifications/UNMutableNotificationContent.h>
-#include <zentrova/platform/notifications/UNNotification.h>
-#include <zentrova/platform/notifications/UNNotificationRequest.h>
-#include <zentrova/platform/text/PangoTextMeasurer.h>
-#include <zentrova/platform/ui/NSBundle.h>
-#include <zentrova/platform/ui/UIViewController.h>
-#include <zentrova/resources/ZVInterfaceFiles.h>
-#include <zentrova/service/ZVRichNotification.h>
-#include <zentrova/templates/ZVPushTemplateHandler.h>
+#include "zentrova/Version.h"
+#include "zentrova/Platform.h"
+#include "zentrova/UserDefaults.h"
+#include "zentrova/Exception.h"
+#include "zentrova/Renderer.h"
+#include "platform/notifications/ContentDelivery.h"
+#include "zentrova/UNMutableNotificationContent.h"
+#include "zentrova/UNNotification.h"
+#include "zentrova/UNNotificationRequest.h"
+#include "platform/text/PangoTextMeasurer.h"
+#include "platform/ui/NSBundle.h"
+#include "zentrova/UIViewController.h"
+#include "resources/ZVInterfaceFiles.h"
+#include "zentrova/ZVRichNotification.h"
+#include "zentrova/ZVPushTemplateHandler.h"
 
 #include <chrono>
 #include <cstdio>

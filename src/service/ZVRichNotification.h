@@ -7,7 +7,7 @@
 #include <string>
 
 #include "zentrova/Export.h"
-#include "zentrova/service/ZVRichNotificationHandler.h"
+#include "service/ZVRichNotificationHandler.h"
 
 ZENTROVA_API_BEGIN
 

@@ -3,19 +3,19 @@
 
 #include <mutex>
 
-#include "zentrova/model/ZVPushPayload.h"
-#include "zentrova/model/ZVRichNotifUtils.h"
-#include "zentrova/model/ZVRichPush.h"
-#include "zentrova/model/ZVRichPushMode.h"
-#include "zentrova/platform/foundation/Exception.h"
-#include "zentrova/platform/notifications/UNMutableNotificationContent.h"
-#include "zentrova/platform/notifications/UNNotificationRequest.h"
-#include "zentrova/platform/notifications/UNUserNotificationCenter.h"
-#include "zentrova/reporting/ZVExtensionNetworkManager.h"
-#include "zentrova/service/MediaDownloads.h"
-#include "zentrova/service/ServicePlan.h"
-#include "zentrova/service/ZVRichNotificationHandler.h"
-#include "zentrova/store/ZVExtensionDataManager.h"
+#include "model/ZVPushPayload.h"
+#include "model/ZVRichNotifUtils.h"
+#include "model/ZVRichPush.h"
+#include "model/ZVRichPushMode.h"
+#include "zentrova/Exception.h"
+#include "zentrova/UNMutableNotificationContent.h"
+#include "zentrova/UNNotificationRequest.h"
+#include "platform/notifications/UNUserNotificationCenter.h"
+#include "reporting/ZVExtensionNetworkManager.h"
+#include "service/MediaDownloads.h"
+#include "service/ServicePlan.h"
+#include "service/ZVRichNotificationHandler.h"
+#include "zentrova/ZVExtensionDataManager.h"
 
 namespace zv {
 

@@ -5,16 +5,16 @@
 #include <future>
 #include <mutex>
 
-#include "zentrova/platform/Platform.h"
-#include "zentrova/platform/defaults/UserDefaults.h"
-#include "zentrova/platform/net/UrlSession.h"
-#include "zentrova/platform/notifications/NotificationCenter.h"
-#include "zentrova/platform/notifications/UNNotificationContent.h"
-#include "zentrova/platform/notifications/UNNotificationRequest.h"
-#include "zentrova/reporting/ZVExtensionNetworkManager.h"
-#include "zentrova/service/ZVRichNotification.h"
-#include "zentrova/service/ZVRichNotificationHandler.h"
-#include "zentrova/store/ZVExtensionDataManager.h"
+#include "zentrova/Platform.h"
+#include "zentrova/UserDefaults.h"
+#include "platform/net/UrlSession.h"
+#include "platform/notifications/NotificationCenter.h"
+#include "zentrova/UNNotificationContent.h"
+#include "zentrova/UNNotificationRequest.h"
+#include "reporting/ZVExtensionNetworkManager.h"
+#include "zentrova/ZVRichNotification.h"
+#include "service/ZVRichNotificationHandler.h"
+#include "zentrova/ZVExtensionDataManager.h"
 
 namespace zvtest {
 

@@ -14,7 +14,7 @@
 #include "support/LocalServer.h"
 #include "support/ProcessStateReset.h"
 #include "support/TestSupport.h"
-#include "zentrova/platform/foundation/Value.h"
+#include "zentrova/Value.h"
 
 namespace zv {
 class UNNotificationContent;

@@ -8,18 +8,18 @@
 #include <set>
 
 #include "service/ServiceFlowFixture.h"
-#include "zentrova/model/ZVRichNotifUtils.h"
-#include "zentrova/platform/Platform.h"
-#include "zentrova/platform/defaults/UserDefaults.h"
-#include "zentrova/platform/foundation/Exception.h"
-#include "zentrova/platform/foundation/Md5.h"
-#include "zentrova/platform/net/UrlSession.h"
-#include "zentrova/platform/notifications/NotificationCenter.h"
-#include "zentrova/platform/notifications/UNNotificationAttachment.h"
-#include "zentrova/platform/notifications/UNNotificationContent.h"
-#include "zentrova/platform/notifications/UNNotificationSound.h"
-#include "zentrova/reporting/ZVExtensionNetworkManager.h"
-#include "zentrova/service/ZVRichNotification.h"
+#include "model/ZVRichNotifUtils.h"
+#include "zentrova/Platform.h"
+#include "zentrova/UserDefaults.h"
+#include "zentrova/Exception.h"
+#include "platform/foundation/Md5.h"
+#include "platform/net/UrlSession.h"
+#include "platform/notifications/NotificationCenter.h"
+#include "zentrova/UNNotificationAttachment.h"
+#include "zentrova/UNNotificationContent.h"
+#include "zentrova/UNNotificationSound.h"
+#include "reporting/ZVExtensionNetworkManager.h"
+#include "zentrova/ZVRichNotification.h"
 
 namespace zvtest {
 namespace {

@@ -1,6 +1,6 @@
-#include "zentrova/platform/notifications/ContentDelivery.h"
+#include "platform/notifications/ContentDelivery.h"
 
-#include "zentrova/platform/notifications/UNNotificationContent.h"
+#include "zentrova/UNNotificationContent.h"
 
 namespace zv {
 

@@ -17,9 +17,6 @@
 #include <memory>
 #include <mutex>
 
-#include "zentrova/Export.h"
-
-ZENTROVA_API_BEGIN
 
 namespace zv {
 
@@ -54,5 +51,3 @@ class ContentDelivery {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

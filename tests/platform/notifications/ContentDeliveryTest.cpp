@@ -3,8 +3,8 @@
 #include <thread>
 #include <vector>
 
-#include "zentrova/platform/notifications/ContentDelivery.h"
-#include "zentrova/platform/notifications/UNMutableNotificationContent.h"
+#include "platform/notifications/ContentDelivery.h"
+#include "zentrova/UNMutableNotificationContent.h"
 
 namespace zv {
 namespace {
