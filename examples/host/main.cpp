@@ -14,6 +14,7 @@
 #include <fstream>
 #include <future>
 #include <iostream>
+#include <mutex>
 #include <sstream>
 
 namespace {
@@ -42,11 +43,18 @@ void configureStore(int reportsPort) {
 // seconds a phone allows.
 std::shared_ptr<zv::UNNotificationContent> serviceExtension(const zv::Value& payload) {
   auto request = zv::UNNotificationRequest::requestWithRemoteNotification("host-1", payload);
-  auto delivered = std::make_shared<std::promise<std::shared_ptr<zv::UNNotificationContent>>>();
-  auto future = delivered->get_future();
+  // The system shows the first content handed and ignores later calls: the flow calls the handler
+  // again when it ends after the 30 seconds, or when a guard catches an exception the handler
+  // raised. The handler may run on any thread and outlive this function.
+  struct Delivery {
+    std::once_flag first;
+    std::promise<std::shared_ptr<zv::UNNotificationContent>> shown;
+  };
+  auto delivery = std::make_shared<Delivery>();
+  auto future = delivery->shown.get_future();
   zv::ZVRichNotification::handleRichNotificationRequest(
-      request, [delivered](const std::shared_ptr<zv::UNNotificationContent>& content) {
-        delivered->set_value(content);
+      request, [delivery](const std::shared_ptr<zv::UNNotificationContent>& content) {
+        std::call_once(delivery->first, [&] { delivery->shown.set_value(content); });
       });
   if (future.wait_for(std::chrono::seconds(30)) != std::future_status::ready) {
     zv::ZVRichNotification::serviceExtensionTimeWillExpire();

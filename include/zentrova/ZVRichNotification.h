@@ -26,7 +26,8 @@ class ZVRichNotification {
   static void getLocalNotificationContentForRequest(
       const std::shared_ptr<UNNotificationRequest>& request, ContentHandler completionHandler);
   // The phone gives the service extension about 30 seconds: when they are nearly up, it calls
-  // this, and every request still in flight is delivered at once with what is ready.
+  // this, and every request still in flight is delivered at once with what is ready. Each flow
+  // still calls its handler again when it ends; the system keeps the first content.
   static void serviceExtensionTimeWillExpire();
   static void setAppGroupID(const std::optional<std::string>& appGroupID);
   static void updateBadgeWithNotificationContent(

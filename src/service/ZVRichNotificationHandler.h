@@ -45,7 +45,8 @@ class ZVRichNotificationHandler {
   using Attachments = std::vector<std::shared_ptr<UNNotificationAttachment>>;
 
   // The full service flow; the content handler receives the working content (a mutable copy of the
-  // request's content) once the report has finished, failed or been skipped.
+  // request's content) once the report has finished, failed or been skipped. If the handler raises
+  // zv::Exception, the guard around it calls it once more.
   void handleRichNotificationRequest(const std::shared_ptr<UNNotificationRequest>& request,
                                      ContentHandler contentHandler);
   // The same rewriting and attachments without store or reporting.
@@ -70,8 +71,9 @@ class ZVRichNotificationHandler {
                                      std::function<void(const Attachments&)> completion);
 
   // The phone is about to end the extension. Every request still in flight is delivered at once
-  // with what is ready (its rewritten content and the attachments finished so far) and its
-  // downloads still running are stopped; its content handler is not called again afterwards.
+  // with what is ready (a copy of its rewritten content with the attachments finished so far) and
+  // its downloads still running are stopped. Its flow then goes on to its own end, which calls the
+  // content handler again, as it would on the phone, where the system ignores the later call.
   void serviceExtensionTimeWillExpire();
 
   // The queue each media download is started from; its width is set per request.
@@ -91,11 +93,14 @@ class ZVRichNotificationHandler {
   ZVRichNotificationHandler();
 
   // The one request flow: the plan, then (full flow only) the store, the downloads, then (full
-  // flow only) the shown event and the report, and the content handler, called exactly once.
+  // flow only) the shown event and the report, and the content handler, called at each end the
+  // flow reaches.
   void runRequestFlow(const std::shared_ptr<UNNotificationRequest>& request, bool full,
                       ContentHandler contentHandler);
-  // One request's single call of its content handler, by the flow or by the time budget.
-  struct Delivery;
+  // One request in flight, as its flow and the time budget share it.
+  struct InFlight;
+  // An end of the flow: the request leaves the in-flight list and its handler gets the content.
+  void deliver(const std::shared_ptr<InFlight>& flight);
 
   // Downloads the media side by side; completion as for getAttachmentsForNotification. Returns
   // the running downloads, or nullptr when there is nothing to download.
@@ -105,7 +110,7 @@ class ZVRichNotificationHandler {
 
   mutable std::mutex mutex_;
   std::shared_ptr<NotificationCenter> notificationCenter_;
-  std::vector<std::weak_ptr<Delivery>> inFlight_;
+  std::vector<std::weak_ptr<InFlight>> inFlight_;
 };
 
 }  // namespace zv

@@ -30,67 +30,75 @@ void logException(const char* prefix, const Exception& e) {
 
 }  // namespace
 
-// The content handler of one request, called exactly once: by the flow when it ends, or earlier by
-// the time budget with what is ready then.
-struct ZVRichNotificationHandler::Delivery {
+// One request in flight: its working content, its content handler and its running downloads. The
+// flow calls the handler through deliver() at each of its ends, every time it gets there: the flow
+// keeps no flag of an earlier delivery, so a guard that catches an exception raised by the handler
+// itself calls it again, and a flow that ends after the time budget has delivered calls it again.
+// What becomes of a repeated call is the system's business (the notification is already shown).
+struct ZVRichNotificationHandler::InFlight {
   std::mutex mutex;
-  bool done = false;
   std::shared_ptr<UNMutableNotificationContent> content;
   ContentHandler handler;
   std::shared_ptr<MediaDownloads> downloads;
 
-  Delivery(std::shared_ptr<UNMutableNotificationContent> c, ContentHandler h)
+  InFlight(std::shared_ptr<UNMutableNotificationContent> c, ContentHandler h)
       : content(std::move(c)), handler(std::move(h)) {}
 
-  bool isDone() {
-    std::lock_guard lock(mutex);
-    return done;
-  }
   void setDownloads(std::shared_ptr<MediaDownloads> running) {
     std::lock_guard lock(mutex);
     downloads = std::move(running);
   }
-  // The flow's end.
+  // An end of the flow: the working content.
   void deliver() {
     {
       std::lock_guard lock(mutex);
-      if (done) return;
-      done = true;
-      downloads.reset();  // their completion holds this delivery
+      downloads.reset();  // their completion holds this request
     }
     handler(content);
   }
-  // The budget's end: a copy of the content as it stands, with the attachments finished so far;
-  // the downloads still running are stopped.
+  // The budget's end: a copy of the content as it stands, with the attachments finished so far.
+  // Then the downloads still running are stopped; each counts as failed, so the flow goes on to
+  // its own end with what finished, after this call.
   void expire() {
     std::shared_ptr<UNMutableNotificationContent> best;
     std::shared_ptr<MediaDownloads> running;
     {
       std::lock_guard lock(mutex);
-      if (done) return;
-      done = true;
       best = content->mutableCopy();
       running = std::move(downloads);
     }
     if (running) {
       auto attachments = running->finishedSoFar();
       if (!attachments.empty()) best->setAttachments(attachments);
-      running->stop();
     }
     handler(best);
+    if (running) running->stop();
   }
 };
 
+// The budget delivers each request still in flight once; a request leaves the list when its flow
+// reaches an end (see deliver) or when the budget has delivered it.
 void ZVRichNotificationHandler::serviceExtensionTimeWillExpire() {
-  std::vector<std::shared_ptr<Delivery>> pending;
+  std::vector<std::shared_ptr<InFlight>> pending;
   {
     std::lock_guard lock(mutex_);
     for (const auto& weak : inFlight_) {
-      if (auto delivery = weak.lock()) pending.push_back(delivery);
+      if (auto flight = weak.lock()) pending.push_back(flight);
     }
     inFlight_.clear();
   }
-  for (const auto& delivery : pending) delivery->expire();
+  for (const auto& flight : pending) flight->expire();
+}
+
+void ZVRichNotificationHandler::deliver(const std::shared_ptr<InFlight>& flight) {
+  {
+    std::lock_guard lock(mutex_);
+    std::erase_if(inFlight_, [&](const auto& weak) {
+      auto held = weak.lock();
+      return !held || held == flight;
+    });
+  }
+  flight->deliver();
 }
 
 void ZVRichNotificationHandler::handleRichNotificationRequest(
@@ -103,24 +111,25 @@ void ZVRichNotificationHandler::getLocalNotificationContentForRequest(
   runRequestFlow(request, false, std::move(completionHandler));
 }
 
-// Every path ends in exactly one call of the content handler: the plan's early ends, the guard of
-// the synchronous part, and the completion of the downloads with its own guard.
+// Every path ends in a call of the content handler: the plan's early ends, the guard of the
+// synchronous part, the completion of the downloads with its own guard, and the report's
+// completion. A guard that catches an exception raised by the handler calls it once more.
 void ZVRichNotificationHandler::runRequestFlow(
     const std::shared_ptr<UNNotificationRequest>& request, bool full,
     ContentHandler contentHandler) {
   const auto flow = full ? ServicePlan::Flow::kFull : ServicePlan::Flow::kContentOnly;
   ServicePlan plan = ServicePlan::make(*this, request, true);
   auto content = plan.content;
-  auto delivery = std::make_shared<Delivery>(content, std::move(contentHandler));
+  auto flight = std::make_shared<InFlight>(content, std::move(contentHandler));
   {
     std::lock_guard lock(mutex_);
     std::erase_if(inFlight_, [](const auto& weak) { return weak.expired(); });
-    inFlight_.push_back(delivery);
+    inFlight_.push_back(flight);
   }
   try {
     if (!plan.payload) {
       if (plan.failure) ZVRichNotifUtils::logWithMessage(plan.guardMessage(flow));
-      delivery->deliver();
+      deliver(flight);
       return;
     }
     auto payload = plan.payload;
@@ -132,17 +141,15 @@ void ZVRichNotificationHandler::runRequestFlow(
     }
     if (plan.failure) {
       ZVRichNotifUtils::logWithMessage(plan.guardMessage(flow));
-      delivery->deliver();
+      deliver(flight);
       return;
     }
     auto downloads = downloadAttachments(
-        plan.media, [content, payload, full, delivery](const Attachments& attachments) {
-          // Once the budget has delivered, the extension is ending: nothing more is done.
-          if (delivery->isDone()) return;
+        plan.media, [this, content, payload, full, flight](const Attachments& attachments) {
           try {
             if (!attachments.empty()) content->setAttachments(attachments);
             if (!full) {
-              delivery->deliver();
+              deliver(flight);
               return;
             }
             const auto& rich = payload->richPush;
@@ -153,17 +160,17 @@ void ZVRichNotificationHandler::runRequestFlow(
             // Delivery waits for the report: the notification shows once the request has finished,
             // failed or been skipped.
             ZVExtensionNetworkManager::sharedManager().flushEventsWithCompletionBlock(
-                [delivery](bool) { delivery->deliver(); });
+                [this, flight](bool) { deliver(flight); });
           } catch (const Exception& e) {
             logException("Exception while getting attachments: ", e);
-            delivery->deliver();
+            deliver(flight);
           }
         });
-    delivery->setDownloads(std::move(downloads));
+    flight->setDownloads(std::move(downloads));
   } catch (const Exception& e) {
     plan.failure = e.description();
     ZVRichNotifUtils::logWithMessage(plan.guardMessage(flow));
-    delivery->deliver();
+    deliver(flight);
   }
 }
 

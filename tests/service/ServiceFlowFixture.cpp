@@ -1,7 +1,9 @@
 #include "service/ServiceFlowFixture.h"
 
 #include <chrono>
+#include <condition_variable>
 #include <future>
+#include <mutex>
 
 #include "platform/net/UrlSession.h"
 #include "platform/notifications/NotificationCenter.h"
@@ -47,13 +49,36 @@ void ServiceFlowFixture::TearDown() {
 }
 
 std::shared_ptr<zv::UNNotificationContent> ServiceFlowFixture::run(
-    const json::object& p, bool contentOnly, const std::function<void()>& meanwhile) {
+    const json::object& p, bool contentOnly, const std::function<void()>& meanwhile, int calls) {
   auto request = zv::UNNotificationRequest::requestWithRemoteNotification("req-1", zv::Value(p));
-  auto promise = std::make_shared<std::promise<std::shared_ptr<zv::UNNotificationContent>>>();
-  auto future = promise->get_future();
-  auto calls = std::make_shared<std::atomic<int>>(0);
-  auto handler = [promise, calls](const std::shared_ptr<zv::UNNotificationContent>& content) {
-    if (calls->fetch_add(1) == 0) promise->set_value(content);
+  struct Handed {
+    std::mutex mutex;
+    std::condition_variable arrived;
+    int started = 0;
+    std::vector<std::shared_ptr<zv::UNNotificationContent>> contents;
+  };
+  auto handed = std::make_shared<Handed>();
+  auto handler = [handed, onCall = onCall](const std::shared_ptr<zv::UNNotificationContent>& c) {
+    int call;
+    {
+      std::lock_guard lock(handed->mutex);
+      call = handed->started++;
+    }
+    // A call counts once onCall is done with it, raising or not.
+    auto count = [&] {
+      {
+        std::lock_guard lock(handed->mutex);
+        handed->contents.push_back(c);
+      }
+      handed->arrived.notify_all();
+    };
+    try {
+      if (onCall) onCall(call, c);
+    } catch (...) {
+      count();
+      throw;
+    }
+    count();
   };
   if (contentOnly) {
     zv::ZVRichNotification::getLocalNotificationContentForRequest(request, handler);
@@ -61,11 +86,16 @@ std::shared_ptr<zv::UNNotificationContent> ServiceFlowFixture::run(
     zv::ZVRichNotification::handleRichNotificationRequest(request, handler);
   }
   if (meanwhile) meanwhile();
-  if (future.wait_for(std::chrono::seconds(20)) != std::future_status::ready) {
-    ADD_FAILURE() << "the content handler was not called";
-    return nullptr;
+  {
+    std::unique_lock lock(handed->mutex);
+    if (!handed->arrived.wait_for(lock, std::chrono::seconds(20),
+                                  [&] { return handed->contents.size() >= size_t(calls); })) {
+      ADD_FAILURE() << "the content handler was called " << handed->contents.size() << " of "
+                    << calls << " times";
+      return nullptr;
+    }
   }
-  // A second call would come from the download queue or from a task completion of the session:
+  // A later call would come from the download queue or from a task completion of the session:
   // once both are drained, every call has been made.
   zv::ZVRichNotificationHandler::sharedHandler()
       .imageDownloadOperationQueue->waitUntilAllOperationsAreFinished();
@@ -75,8 +105,9 @@ std::shared_ptr<zv::UNNotificationContent> ServiceFlowFixture::run(
       ->dataTaskWithRequest(zv::UrlRequest(), [=](auto...) { drained->set_value(); })
       ->resume();
   drained->get_future().wait();
-  handlerCalls = calls->load();
-  return future.get();
+  std::lock_guard lock(handed->mutex);
+  handlerCalls = static_cast<int>(handed->contents.size());
+  return handed->contents.front();
 }
 
 json::object ServiceFlowFixture::payload(const json::value& rich) const {

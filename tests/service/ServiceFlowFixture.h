@@ -32,13 +32,15 @@ class ServiceFlowFixture : public ::testing::Test {
   void SetUp() override;
   void TearDown() override;
 
-  // Runs the full flow (or the content-only flow) and returns the content handed back, failing the
-  // test when the handler is not called within 20 seconds. meanwhile runs once the flow has
-  // started. handlerCalls counts every call, counted once the flow's queues and session are
-  // drained.
+  // Runs the full flow (or the content-only flow) and returns the content first handed back,
+  // failing the test when the handler is not called `calls` times within 20 seconds. meanwhile
+  // runs once the flow has started. Each call runs onCall (if set) with its index; what onCall
+  // raises is raised by the handler. handlerCalls counts every call, counted once the flow's queues
+  // and session are drained.
   std::shared_ptr<zv::UNNotificationContent> run(const boost::json::object& payload,
                                                  bool contentOnly = false,
-                                                 const std::function<void()>& meanwhile = {});
+                                                 const std::function<void()>& meanwhile = {},
+                                                 int calls = 1);
   // A Zentrova payload: "aps" with an alert dictionary, "zentrova" with cid and app id, and the
   // given rich push (omitted when null).
   boost::json::object payload(const boost::json::value& richPush = nullptr) const;
@@ -58,6 +60,7 @@ class ServiceFlowFixture : public ::testing::Test {
   LogCapture logs;
   std::shared_ptr<zv::UserDefaults> suite;
   std::shared_ptr<zv::NotificationCenter> center;
+  std::function<void(int call, const std::shared_ptr<zv::UNNotificationContent>&)> onCall;
   int handlerCalls = 0;
 };
 

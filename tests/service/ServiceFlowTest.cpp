@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <boost/json.hpp>
 #include <filesystem>
 #include <fstream>
@@ -12,6 +13,7 @@
 #include "platform/notifications/NotificationCenter.h"
 #include "reporting/ZVExtensionNetworkManager.h"
 #include "service/ServiceFlowFixture.h"
+#include "zentrova/Exception.h"
 #include "zentrova/Platform.h"
 #include "zentrova/UNNotificationAttachment.h"
 #include "zentrova/UNNotificationContent.h"
@@ -311,38 +313,93 @@ TEST_F(ServiceFlowTest, ContentOnlyFlowRewritesAndAttachesButStoresNothing) {
   EXPECT_TRUE(requests("POST").empty());
 }
 
-// When the time is nearly up, the request is delivered at once with what is ready: the rewritten
-// texts and the attachments finished so far; what still runs is stopped and never delivers again.
-TEST_F(ServiceFlowTest, TheTimeBudgetDeliversWhatIsReadyOnce) {
+// The content handler is called at every end the flow reaches, in order: a guard that catches an
+// exception raised by the handler calls it again, and when the time is nearly up the request is
+// delivered at once with what is ready (the rewritten texts and the attachments finished so far,
+// what still runs being stopped) and its flow, once it ends, calls the handler again.
+TEST_F(ServiceFlowTest, TheContentHandlerIsCalledAtEveryEndTheFlowReaches) {
   LocalServer media;
   media.addFile("/a.png", sampleMedia("sample.png"), "image/png");
-  struct Case {
-    const char* what;
-    bool contentOnly;
-    bool mediaHeld;  // else the report is held, after the download finished
+  // One call: the attachments it carries, and whether recorded events were still waiting for the
+  // report when it came.
+  struct Call {
     size_t attachments;
+    bool eventsWaiting;
+  };
+  enum class Path {
+    kHandlerRaises,  // the handler raises on the report's success call
+    kReportFails,
+    kBudgetDuringDownload,
+    kBudgetDuringReport,
+    kBudgetAfterDelivery,
+  };
+  struct Case {
+    Path path;
+    bool contentOnly;
+    std::vector<Call> calls;
+    const char* logged;  // the start of a message the sink received, or ""
   } cases[] = {
-      {"a download that never ends", false, true, 0},
-      {"the same in the content-only flow", true, true, 0},
-      {"a report that never ends", false, false, 1},
+      {Path::kHandlerRaises,
+       false,
+       {{1, false}, {1, false}},
+       "Exception while syncing tracked events for notification : boom"},
+      {Path::kReportFails, false, {{1, true}}, "Api failed with response "},
+      {Path::kBudgetDuringDownload, false, {{0, true}, {0, false}}, ""},
+      {Path::kBudgetDuringDownload, true, {{0, false}, {0, false}}, ""},
+      {Path::kBudgetDuringReport, false, {{1, true}, {1, false}}, ""},
+      {Path::kBudgetAfterDelivery, false, {{1, false}}, ""},
   };
   for (const auto& c : cases) {
-    SCOPED_TRACE(c.what);
-    LocalServer& held = c.mediaHeld ? media : server;
-    held.holdAnswers();
-    auto content = run(payload(richPush({media.url("/a.png")})), c.contentOnly, [&] {
-      held.awaitHeldRequest();
-      zv::ZVRichNotification::serviceExtensionTimeWillExpire();
-    });
+    SCOPED_TRACE(&c - cases);  // the case's index
+    LogCapture capture;
+    server.setPostStatus(c.path == Path::kReportFails ? 500 : 200);
+    std::vector<Call> seen;
+    std::vector<const zv::UNNotificationContent*> objects;
+    std::promise<void> delivered;
+    onCall = [&](int call, const std::shared_ptr<zv::UNNotificationContent>& content) {
+      Value events = storedEvents();
+      seen.push_back({content->attachments().size(), events.isArray() && !events.array().empty()});
+      objects.push_back(content.get());
+      EXPECT_EQ(content->title(), "Rich title");
+      if (call == 0) delivered.set_value();
+      if (call == 0 && c.path == Path::kHandlerRaises) throw zv::Exception("TestException", "boom");
+    };
+    LocalServer* held = c.path == Path::kBudgetDuringDownload ? &media
+                        : c.path == Path::kBudgetDuringReport ? &server
+                                                              : nullptr;
+    if (held) held->holdAnswers();
+    auto content = run(
+        payload(richPush({media.url("/a.png")})), c.contentOnly,
+        [&] {
+          if (c.path == Path::kHandlerRaises || c.path == Path::kReportFails) return;
+          if (held) {
+            held->awaitHeldRequest();
+          } else {
+            delivered.get_future().wait();
+          }
+          zv::ZVRichNotification::serviceExtensionTimeWillExpire();
+          // The report goes on to its answer; the download was stopped.
+          if (held == &server) server.releaseAnswers();
+        },
+        static_cast<int>(c.calls.size()));
+    if (held) held->releaseAnswers();
     ASSERT_TRUE(content);
-    EXPECT_EQ(content->title(), "Rich title");
-    EXPECT_EQ(content->attachments().size(), c.attachments);
-    EXPECT_EQ(handlerCalls, 1);
-    // Nothing was reported, so every event recorded stays for the next report.
-    if (!c.contentOnly) {
-      EXPECT_FALSE(storedEvents().array().empty());
+    EXPECT_EQ(handlerCalls, static_cast<int>(c.calls.size()));
+    ASSERT_EQ(seen.size(), c.calls.size());
+    for (size_t i = 0; i < seen.size(); ++i) {
+      EXPECT_EQ(seen[i].attachments, c.calls[i].attachments) << "call " << i;
+      EXPECT_EQ(seen[i].eventsWaiting, c.calls[i].eventsWaiting) << "call " << i;
     }
-    held.releaseAnswers();
+    // A guard hands the same working content again; the budget hands a copy of it.
+    if (seen.size() == 2) {
+      EXPECT_EQ(objects[0] == objects[1], c.path == Path::kHandlerRaises);
+    }
+    if (*c.logged) {
+      auto sink = capture.sink();
+      EXPECT_TRUE(std::any_of(sink.begin(), sink.end(),
+                              [&](const auto& m) { return m.starts_with(c.logged); }));
+    }
+    onCall = nullptr;
   }
 }
 

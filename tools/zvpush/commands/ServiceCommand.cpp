@@ -5,12 +5,10 @@
 #include <boost/json.hpp>
 #include <cerrno>
 #include <chrono>
-#include <condition_variable>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <iostream>
-#include <mutex>
 #include <random>
 
 #include "common/ArgParser.h"
@@ -22,6 +20,7 @@
 #include "platform/foundation/Log.h"
 #include "platform/net/UrlSession.h"
 #include "platform/net/UrlSessionConfiguration.h"
+#include "platform/notifications/ContentDelivery.h"
 #include "platform/notifications/NotificationCenter.h"
 #include "service/ServicePlan.h"
 #include "service/ZVRichNotificationHandler.h"
@@ -96,38 +95,27 @@ int run(const Args& args) {
   }
   if (auto group = p.value("--app-group")) zv::ZVRichNotification::setAppGroupID(*group);
 
-  // The content is described at the moment the handler receives it: a badge that lands later is
-  // lost, as it would be on the phone.
-  std::mutex mutex;
-  std::condition_variable delivered;
-  std::optional<json::value> result;
-  std::shared_ptr<zv::UNNotificationContent> content;
-  auto handler = [&](const std::shared_ptr<zv::UNNotificationContent>& c) {
-    json::value v = describeDelivered(*c, identifier);
-    std::lock_guard lock(mutex);
-    if (!result) {
-      result = std::move(v);
-      content = c;
-    }
-    delivered.notify_all();
-  };
+  // The system's end of the content handler: the first content handed is the notification, taken
+  // as it stands then (a badge that lands later is lost, as it would be on the phone). Later calls
+  // are ignored, as the phone ignores them: the flow calls the handler again when it ends after the
+  // budget, or when a guard catches an exception raised by the handler.
+  zv::ContentDelivery delivery;
   if (p.flag("--content-only")) {
-    zv::ZVRichNotification::getLocalNotificationContentForRequest(request, handler);
+    zv::ZVRichNotification::getLocalNotificationContentForRequest(request,
+                                                                  delivery.contentHandler());
   } else {
-    zv::ZVRichNotification::handleRichNotificationRequest(request, handler);
+    zv::ZVRichNotification::handleRichNotificationRequest(request, delivery.contentHandler());
   }
-  std::unique_lock lock(mutex);
-  bool expired = !delivered.wait_for(lock, std::chrono::duration<double>(budget),
-                                     [&] { return result.has_value(); });
+  bool expired = !delivery.waitFor(std::chrono::duration<double>(budget));
   if (expired) {
-    lock.unlock();
     zv::ZVRichNotification::serviceExtensionTimeWillExpire();
-    lock.lock();
-    delivered.wait(lock, [&] { return result.has_value(); });
-    result->as_object()["expired"] = true;
+    delivery.wait();
   }
+  auto content = delivery.content();
+  json::value result = describeDelivered(*content, identifier);
+  if (expired) result.as_object()["expired"] = true;
   if (explainer) explainer->explain(media, *content, platform.temporaryDirectory() / "Attachments");
-  std::cout << pretty(*result) << std::endl;
+  std::cout << pretty(result) << std::endl;
   return kOk;
 }
 

@@ -5,7 +5,6 @@
 #include <boost/json.hpp>
 #include <chrono>
 #include <cstdlib>
-#include <future>
 #include <sstream>
 
 #include "common/ArgParser.h"
@@ -21,6 +20,7 @@
 #include "platform/graphics/PngWriter.h"
 #include "platform/net/UrlSession.h"
 #include "platform/net/UrlSessionConfiguration.h"
+#include "platform/notifications/ContentDelivery.h"
 #include "preview/PreviewScene.h"
 #include "reporting/ZVExtensionNetworkManager.h"
 #include "service/ServicePlan.h"
@@ -169,18 +169,17 @@ json::object Studio::preview(const json::object& request) {
   configuration.observer = explainer;
   auto session = zv::UrlSession::sessionWithConfiguration(configuration);
   zv::ZVExtensionNetworkManager::sharedManager().setNetworkSession(session);
-  auto delivered = std::make_shared<std::promise<std::shared_ptr<zv::UNNotificationContent>>>();
-  auto once = std::make_shared<std::once_flag>();
-  auto future = delivered->get_future();
-  zv::ZVRichNotification::getLocalNotificationContentForRequest(
-      notification, [delivered, once](const std::shared_ptr<zv::UNNotificationContent>& c) {
-        std::call_once(*once, [&] { delivered->set_value(c); });
-      });
-  if (future.wait_for(kBudget) != std::future_status::ready) {
+  // The first content handed is what the phone would show; later calls (the flow ending after the
+  // budget has delivered, or a guard delivering once more) are ignored, as the phone ignores them.
+  zv::ContentDelivery delivery;
+  zv::ZVRichNotification::getLocalNotificationContentForRequest(notification,
+                                                                delivery.contentHandler());
+  if (!delivery.waitFor(kBudget)) {
     zv::ZVRichNotification::serviceExtensionTimeWillExpire();
     out["expired"] = true;
+    delivery.wait();
   }
-  auto content = future.get();
+  auto content = delivery.content();
   explainer->explain(plan.media, *content, tmp / "Attachments");
   session->shutdown();
   out["downloads"] = log.lines();
