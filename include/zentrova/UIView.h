@@ -1,8 +1,9 @@
-// zv::UIView is a rectangle of the view tree: its frame in the superview, bounds, subviews drawn in
-// order, background colour, hidden and alpha, the layer behind it, tap recognisers, and the layout
-// constraints added to it. layoutIfNeeded() solves every active constraint of the tree it belongs
-// to (see LayoutEngine.h) and sets the frames. Views are held by std::shared_ptr: a superview owns
-// its subviews, a subview knows its superview weakly. Main thread only.
+/// @file
+/// zv::UIView is a rectangle of the view tree: its frame in the superview, bounds, subviews drawn
+/// in order, background colour, hidden and alpha, the layer behind it, tap recognisers, and the
+/// layout constraints added to it. layoutIfNeeded() solves every active constraint of the tree it
+/// belongs to (see LayoutEngine.h) and sets the frames. Views are held by std::shared_ptr: a
+/// superview owns its subviews, a subview knows its superview weakly. Main thread only.
 #pragma once
 
 #include <map>
@@ -23,7 +24,7 @@ class CALayer;
 class LayoutEngine;
 class NSLayoutConstraint;
 
-// How strongly a constraint or a content size holds: 1000 is required.
+/// How strongly a constraint or a content size holds: 1000 is required.
 using UILayoutPriority = float;
 inline constexpr UILayoutPriority UILayoutPriorityRequired = 1000;
 inline constexpr UILayoutPriority UILayoutPriorityDefaultHigh = 750;
@@ -35,7 +36,7 @@ class UITapGestureRecognizer;
 class UIView : public std::enable_shared_from_this<UIView> {
  public:
   using Ref = std::shared_ptr<UIView>;
-  // The size a view has no intrinsic value for.
+  /// The size a view has no intrinsic value for.
   static constexpr CGFloat kNoIntrinsicMetric = -1;
 
   UIView();
@@ -45,10 +46,10 @@ class UIView : public std::enable_shared_from_this<UIView> {
   UIView& operator=(const UIView&) = delete;
 
   static Ref make(CGRect frame = {}) { return std::make_shared<UIView>(frame); }
-  // The class name the tree dump prints.
+  /// The class name the tree dump prints.
   virtual std::string className() const { return "UIView"; }
-  // The name the view is known by in the tree dump: the binding it was laid out under, else its
-  // outlet's name ("" for none).
+  /// The name the view is known by in the tree dump: the binding it was laid out under, else its
+  /// outlet's name ("" for none).
   const std::string& name() const { return name_; }
   void setName(std::string name) { name_ = std::move(name); }
 
@@ -64,7 +65,7 @@ class UIView : public std::enable_shared_from_this<UIView> {
   void bringSubviewToFront(const Ref& view);
   void removeFromSuperview();
   bool isDescendantOfView(const UIView* view) const;
-  // The topmost ancestor (the view itself when it has no superview).
+  /// The topmost ancestor (the view itself when it has no superview).
   UIView* rootView();
 
   const ColorRef& backgroundColor() const { return backgroundColor_; }
@@ -78,27 +79,27 @@ class UIView : public std::enable_shared_from_this<UIView> {
   bool clipsToBounds() const;
   void setClipsToBounds(bool clips);
   const std::shared_ptr<CALayer>& layer() const { return layer_; }
-  // Replaces the layer (a view whose layer draws a clip); the new one takes the view's bounds.
+  /// Replaces the layer (a view whose layer draws a clip); the new one takes the view's bounds.
   void setLayer(std::shared_ptr<CALayer> layer);
 
-  // The style the view resolves its colours in: its own when set, else its superview's.
+  /// The style the view resolves its colours in: its own when set, else its superview's.
   UITraitCollection traitCollection() const;
   void setTraitCollection(std::optional<UITraitCollection> traits) { traits_ = traits; }
 
-  // Tap recognisers.
+  /// Tap recognisers.
   void addGestureRecognizer(const std::shared_ptr<UITapGestureRecognizer>& recognizer);
   void removeGestureRecognizer(const std::shared_ptr<UITapGestureRecognizer>& recognizer);
   const std::vector<std::shared_ptr<UITapGestureRecognizer>>& gestureRecognizers() const {
     return recognizers_;
   }
-  // The deepest visible, interactive view under `point` (in this view's coordinates), or null.
+  /// The deepest visible, interactive view under `point` (in this view's coordinates), or null.
   virtual Ref hitTest(CGPoint point);
   CGPoint convertPointToView(CGPoint point, const UIView* view) const;
-  // A tap at `point` (own coordinates) that no recogniser took on the way up; true when the view
-  // acts on it (a collection view selects the cell under it).
+  /// A tap at `point` (own coordinates) that no recogniser took on the way up; true when the view
+  /// acts on it (a collection view selects the cell under it).
   virtual bool handleTap(CGPoint) { return false; }
 
-  // Constraints.
+  /// Constraints.
   bool translatesAutoresizingMaskIntoConstraints() const { return translatesMask_; }
   void setTranslatesAutoresizingMaskIntoConstraints(bool translates);
   const std::vector<std::shared_ptr<NSLayoutConstraint>>& constraints() const {
@@ -108,14 +109,14 @@ class UIView : public std::enable_shared_from_this<UIView> {
   void addConstraints(const std::vector<std::shared_ptr<NSLayoutConstraint>>& constraints);
   void removeConstraint(const std::shared_ptr<NSLayoutConstraint>& constraint);
   void removeConstraints(const std::vector<std::shared_ptr<NSLayoutConstraint>>& constraints);
-  // The visual formats of the constraint sets added to this view, in the order added.
+  /// The visual formats of the constraint sets added to this view, in the order added.
   const std::vector<std::string>& constraintFormats() const { return formats_; }
 
-  // The size the content wants (kNoIntrinsicMetric where it has none).
+  /// The size the content wants (kNoIntrinsicMetric where it has none).
   virtual CGSize intrinsicContentSize() const { return {kNoIntrinsicMetric, kNoIntrinsicMetric}; }
   void invalidateIntrinsicContentSize() { setNeedsLayout(); }
-  // True when the intrinsic size depends on the width layout gives (wrapping text): the layout
-  // then takes a second pass once the widths are known.
+  /// True when the intrinsic size depends on the width layout gives (wrapping text): the layout
+  /// then takes a second pass once the widths are known.
   virtual bool hasWidthDependentIntrinsicSize() const { return false; }
   UILayoutPriority contentHuggingPriority(bool vertical) const { return hugging_[vertical]; }
   void setContentHuggingPriority(UILayoutPriority p, bool vertical) { hugging_[vertical] = p; }
@@ -127,17 +128,17 @@ class UIView : public std::enable_shared_from_this<UIView> {
   }
 
   void setNeedsLayout();
-  // Solves the constraints of the whole tree this view belongs to and sets the frames, then lets
-  // every view lay out its subviews (layoutSubviews, top down).
+  /// Solves the constraints of the whole tree this view belongs to and sets the frames, then lets
+  /// every view lay out its subviews (layoutSubviews, top down).
   void layoutIfNeeded();
-  // Called after the frames were set; subclasses place what constraints do not.
+  /// Called after the frames were set; subclasses place what constraints do not.
   virtual void layoutSubviews() {}
 
-  // The engine of the tree rooted here (created on first layout).
+  /// The engine of the tree rooted here (created on first layout).
   LayoutEngine* layoutEngine() const { return engine_.get(); }
 
  protected:
-  // Called when the frame's size changed.
+  /// Called when the frame's size changed.
   virtual void boundsDidChange() {}
 
  private:

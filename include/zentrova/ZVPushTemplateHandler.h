@@ -1,9 +1,10 @@
-// zv::ZVPushTemplateHandler is where the content extension hands each notification it shows: it
-// parses the payload, picks the template the expanded mode asks for (a media view or an image
-// carousel), stacks it with the body view in one container pinned to the controller's view by
-// constraints (so the extension's height follows its content), and turns taps into the
-// notification's default action and stored card clicks. One per process (sharedInstance); it
-// keeps no reference to the views it builds. Main thread only.
+/// @file
+/// zv::ZVPushTemplateHandler is where the content extension hands each notification it shows: it
+/// parses the payload, picks the template the expanded mode asks for (a media view or an image
+/// carousel), stacks it with the body view in one container pinned to the controller's view by
+/// constraints (so the extension's height follows its content), and turns taps into the
+/// notification's default action and stored card clicks. One per process (sharedInstance); it
+/// keeps no reference to the views it builds. Main thread only.
 #pragma once
 
 #include <boost/json/object.hpp>
@@ -23,7 +24,7 @@ class ZVPushPayload;
 class ZVPushTemplateHandler {
  public:
   static ZVPushTemplateHandler& sharedInstance();
-  // A fresh state for the process-wide instance (tests, the CLI between previews).
+  /// A fresh state for the process-wide instance (tests, the CLI between previews).
   static void resetSharedInstance();
 
   void addPushTemplateToController(const std::shared_ptr<UIViewController>& controller,
@@ -35,7 +36,7 @@ class ZVPushTemplateHandler {
   std::shared_ptr<UIView> getStylizedPushMediaView();
   std::shared_ptr<UIView> getCarouselView();
   void performDefaultAction();
-  // A card tap: the info (nullopt for nil) gets the campaign id and goes to the store.
+  /// A card tap: the info (nullopt for nil) gets the campaign id and goes to the store.
   void performCardActionWithInfo(std::optional<boost::json::object> info);
 
   double controllerWidth = 0;
