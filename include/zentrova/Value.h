@@ -102,7 +102,8 @@ class Value {
   /// the next character is one of 1-9, "Y", "y", "T", "t" ("01" and "Yes" true, "0" and "no"
   /// false). Anything else raises.
   bool boolValue() const;
-  /// Numbers as double; strings by their leading decimal number (0 when there is none).
+  /// Numbers as double; strings by their leading decimal number (0 when there is none). Anything
+  /// else raises.
   double doubleValue() const;
 
   /// What a "%@" placeholder prints: "(null)" for nil, "<null>" for null, a string as it is,

@@ -26,7 +26,8 @@ class UNMutableNotificationContent;
 ///
 /// @par Ownership
 /// The request is shared, never changed: the service side edits a mutable copy of its content
-/// and keeps the request, the copy and the handler only until the handler has been called.
+/// and keeps the request, the copy and the handler only until the handler has been called. The
+/// content handed to the handler is the caller's to keep.
 ///
 /// @par Threads
 /// The content handler is called exactly once per request. For a notification that is not this
@@ -38,7 +39,7 @@ class UNMutableNotificationContent;
 ///
 /// @par Errors
 /// Nothing raises out of these calls: a payload of the wrong shape, a refused attachment or a
-/// failed download is logged to the system log and the content is still delivered (with the
+/// failed download is logged and the content is still delivered (with the
 /// rewriting and attachments done so far, or as it came). The request must not be null.
 class ZVRichNotification {
  public:
@@ -49,11 +50,11 @@ class ZVRichNotification {
   /// title, subtitle, body, sound, category and tap actions from the rich push, records the
   /// notification and its events in the app group's store, downloads the media side by side and
   /// attaches them, reports the events, and then calls `handler` with the rewritten mutable
-  /// copy. A foreign notification's content is handed back unchanged.
+  /// copy. A foreign notification's content is handed back unchanged (as a copy).
   static void handleRichNotificationRequest(const std::shared_ptr<UNNotificationRequest>& request,
                                             ContentHandler handler);
-  /// The same rewriting and attachments as handleRichNotificationRequest(), without the store and
-  /// the report: for a host that shows a notification of its own making.
+  /// The same badge rule, rewriting and attachments as handleRichNotificationRequest(), without
+  /// the store and the report.
   static void getLocalNotificationContentForRequest(
       const std::shared_ptr<UNNotificationRequest>& request, ContentHandler completionHandler);
   /// The phone gives the service extension about 30 seconds: when they are nearly up, it calls
