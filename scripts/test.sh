@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Installs the packages, checks the formatting, builds everything (release) and runs the whole test
-# suite, installs that build into a temporary prefix and builds the host example against it, then
+# Installs the packages, checks the formatting, builds everything (release) and the API reference
+# (Doxygen: an undocumented public name fails it) and runs the whole test suite, installs that build
+# into a temporary prefix and builds the host example against it, then
 # builds again with the address and undefined-behaviour sanitizers and shared libraries (the asan
 # preset), compares those libraries' ABI with the baseline in abi/, and runs the suite once more
 # under the sanitizers; last, each fuzz target runs for 60 seconds.
@@ -11,6 +12,7 @@ bash scripts/check-format.sh
 jobs="$(nproc)"
 cmake --preset release
 cmake --build --preset release -j "$jobs"
+cmake --build --preset release --target docs
 ctest --preset release -j "$jobs"
 bash scripts/check-install.sh build/release
 cmake --preset asan

@@ -1,5 +1,6 @@
-// zv::UNNotificationSound is the sound a notification plays: the system's default sound, or a sound
-// file of the application by name. Sounds are immutable values, shared freely.
+/// @file
+/// zv::UNNotificationSound is the sound a notification plays: the system's default sound, or a
+/// sound file of the application by name. Sounds are immutable values, shared freely.
 #pragma once
 
 #include <memory>
@@ -11,15 +12,20 @@ ZENTROVA_API_BEGIN
 
 namespace zv {
 
+/// The sound a notification plays: the default sound or an application sound file.
+///
+/// Immutable and held by shared_ptr<const UNNotificationSound> (UNNotificationSoundRef), so any
+/// thread may share and read one.
 class UNNotificationSound {
  public:
-  // The one default sound object.
+  /// The one default sound object.
   static std::shared_ptr<const UNNotificationSound> defaultSound();
-  // A sound file of the application ("chime.caf"). The name is kept as given.
+  /// A sound file of the application ("chime.caf"). The name is kept as given.
   static std::shared_ptr<const UNNotificationSound> soundNamed(const std::string& name);
 
+  /// Whether this is the system's default sound.
   bool isDefault() const { return isDefault_; }
-  // The file name; "" for the default sound.
+  /// The file name; "" for the default sound.
   const std::string& name() const { return name_; }
 
  private:
@@ -30,6 +36,7 @@ class UNNotificationSound {
   std::string name_;
 };
 
+/// A sound as content holds it; null for a silent notification.
 using UNNotificationSoundRef = std::shared_ptr<const UNNotificationSound>;
 
 }  // namespace zv
