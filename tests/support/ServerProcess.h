@@ -1,6 +1,6 @@
 // "zvpush COMMAND ARGS" (serve by default, or studio) as a child process that serves until it is
-// stopped: the shell execs it, keeping the pid it printed; the first line the server printed
-// ("listening on URL"), its URL and its port.
+// stopped, with an environment of its own if given ("TMPDIR=/x"): the shell execs it, keeping the
+// pid it printed; the first line the server printed ("listening on URL"), its URL and its port.
 #pragma once
 
 #include <signal.h>
@@ -14,8 +14,11 @@ namespace zvtest {
 
 class ServerProcess {
  public:
-  explicit ServerProcess(const std::string& args, const std::string& command = "serve") {
-    out_ = popen(("echo $$; exec " ZVPUSH_PATH " " + command + " " + args).c_str(), "r");
+  explicit ServerProcess(const std::string& args, const std::string& command = "serve",
+                         const std::string& environment = "") {
+    std::string program =
+        environment.empty() ? ZVPUSH_PATH : "env " + environment + " " ZVPUSH_PATH;
+    out_ = popen(("echo $$; exec " + program + " " + command + " " + args).c_str(), "r");
     pid_ = std::stoi(line());
     firstLine = line();
     port = std::atoi(firstLine.c_str() + firstLine.rfind(':') + 1);
