@@ -1,6 +1,6 @@
-// Where zvpush finds the files it ships (the examples): <prefix>/share/zentrova beside the installed
-// program (<prefix>/bin/zvpush), else the build tree's share/zentrova when the program runs from
-// the build tree; never the working directory, so the tool works from any folder.
+// Where zvpush finds the files it ships (the examples): <prefix>/share/zentrova beside the
+// installed program (<prefix>/bin/zvpush), else the build tree's share/zentrova when the program
+// runs from the build tree; never the working directory, so the tool works from any folder.
 #pragma once
 
 #include <filesystem>

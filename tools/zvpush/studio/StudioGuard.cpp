@@ -23,9 +23,9 @@ std::string lower(std::string text) {
 // "application/json; charset=utf-8" -> "application/json".
 std::string mediaType(const std::string& contentType) {
   std::string type = contentType.substr(0, contentType.find(';'));
-  type.erase(std::remove_if(type.begin(), type.end(),
-                            [](unsigned char c) { return std::isspace(c); }),
-             type.end());
+  type.erase(
+      std::remove_if(type.begin(), type.end(), [](unsigned char c) { return std::isspace(c); }),
+      type.end());
   return lower(type);
 }
 
@@ -72,8 +72,8 @@ bool StudioGuard::rightToken(const httplib::Request& request, bool files) const 
 std::optional<StudioGuard::Refusal> StudioGuard::check(const httplib::Request& request) const {
   const std::string host = lower(request.get_header_value("Host"));
   if (!knownHost(host)) {
-    return Refusal{403, "the Host \"" + request.get_header_value("Host") +
-                            "\" is not this studio's address"};
+    return Refusal{
+        403, "the Host \"" + request.get_header_value("Host") + "\" is not this studio's address"};
   }
   const bool api = request.path.starts_with("/api/");
   const bool files = request.path.starts_with("/files/");
@@ -83,8 +83,9 @@ std::optional<StudioGuard::Refusal> StudioGuard::check(const httplib::Request& r
                             request.get_header_value("Origin") + "\") are refused"};
   }
   if (!rightToken(request, files)) {
-    return Refusal{403, "the request needs the studio's token in X-Studio-Token (the ?token= "
-                        "of the URL the studio printed)"};
+    return Refusal{403,
+                   "the request needs the studio's token in X-Studio-Token (the ?token= "
+                   "of the URL the studio printed)"};
   }
   if (api && mediaType(request.get_header_value("Content-Type")) != "application/json") {
     return Refusal{415, "API requests are sent as Content-Type: application/json"};
