@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Installs the packages, checks the formatting, builds everything (release) and runs the whole test
-# suite, installs that build into a temporary prefix and builds the host example against it, then
-# builds again with the address and undefined-behaviour sanitizers and shared libraries (the asan
+# suite, installs that build into a temporary prefix and builds the host example against it, builds
+# its Debian packages and installs, uses and removes them (scripts/check-package.sh), then builds
+# again with the address and undefined-behaviour sanitizers and shared libraries (the asan
 # preset) and runs the suite once more under them; last, each fuzz target runs for 60 seconds.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -12,6 +13,7 @@ cmake --preset release
 cmake --build --preset release -j "$jobs"
 ctest --preset release -j "$jobs"
 bash scripts/check-install.sh build/release
+bash scripts/check-package.sh build/release
 cmake --preset asan
 cmake --build --preset asan -j "$jobs" --target zv_tests zvpush zvpush-content
 ASAN_OPTIONS=detect_leaks=1 LSAN_OPTIONS=suppressions=$PWD/tests/lsan.supp \
