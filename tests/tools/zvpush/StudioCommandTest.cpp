@@ -200,5 +200,23 @@ TEST_F(StudioCommandTest, RefusesWhatItCannotUseWithoutRunningAnything) {
   EXPECT_NE(scratch(), before) << "an accepted preview shows in the scratch folder";
 }
 
+// With no --root, from a folder that is not the project's: the examples that come with zvpush.
+TEST(StudioCommandAnywhereTest, OffersTheBundledExamplesFromAnyFolder) {
+  TempDir dir;
+  ServerProcess studio("--port 0", "studio", "-C " + dir.path().string());
+  std::string token = studio.firstLine.substr(studio.firstLine.find("?token=") + 7, 32);
+  httplib::Client client("127.0.0.1", studio.port);
+  auto r = client.Get("/api/examples",
+                      {{"X-Studio-Token", token}, {"Content-Type", "application/json"}});
+  ASSERT_TRUE(r) << studio.firstLine;
+  ASSERT_EQ(r->status, 200) << r->body;
+  std::set<std::string> names;
+  json::value examples = json::parse(r->body);
+  for (const auto& e : examples.as_array()) {
+    names.insert(std::string(e.at("name").as_string()));
+  }
+  EXPECT_TRUE(names.count("carousel") && names.count("plain")) << r->body;
+}
+
 }  // namespace
 }  // namespace zvtest
