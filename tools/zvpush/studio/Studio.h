@@ -3,6 +3,7 @@
 //   GET  /studio.js, /studio.css  its script and style
 //   GET  /api/examples    [{"name", "payload"}]: the *.json payloads under the root, their media
 //                         URLs of the local media server pointed at this studio's /files/media/
+//                         (with ?token=, for the flow's downloads)
 //   GET  /files/PATH      a file under the root (never anything outside it)
 //   POST /api/preview     {"payload": TEXT, "width", "platformVersion", "tap": {"x", "y", "dark"}}
 //                         -> what inspect says (process, reasons, warnings), the service flow run
