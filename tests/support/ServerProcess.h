@@ -1,6 +1,7 @@
 // "zvpush COMMAND ARGS" (serve by default, or studio) as a child process that serves until it is
-// stopped, with an environment of its own if given ("TMPDIR=/x"): the shell execs it, keeping the
-// pid it printed; the first line the server printed ("listening on URL"), its URL and its port.
+// stopped, through env(1) when given its arguments ("TMPDIR=/x", "-C FOLDER"): the shell execs it,
+// keeping the pid it printed; the first line the server printed ("listening on URL"), its URL and
+// its port.
 #pragma once
 
 #include <signal.h>
