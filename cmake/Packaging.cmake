@@ -42,5 +42,5 @@ set(CPACK_COMPONENT_DEV_DESCRIPTION
 set(CPACK_DEBIAN_DEV_PACKAGE_DEPENDS
     "libboost-json1.81-dev, libboost-url1.81-dev, libssl-dev, libfmt-dev, libcurl4-openssl-dev, \
 libsqlite3-dev, libgumbo-dev, libmagic-dev, libpango1.0-dev, libcairo2-dev, libpng-dev, \
-libjpeg-dev, libwebp-dev, libgif-dev, pkg-config, fonts-inter")
+libjpeg62-turbo-dev | libjpeg-dev, libwebp-dev, libgif-dev, pkg-config, fonts-inter")
 include(CPack)
