@@ -55,6 +55,11 @@ for example in "$share"/*.json; do
   zvpush preview "$example" -o "$work/$name.png" > "$work/$name.preview" 2>&1 ||
     { cat "$work/$name.preview"; fail "zvpush preview $example"; }
 done
+# The sender's gate too, where this zvpush has it (exit 1 is a finding, 2 a usage error).
+if zvpush --help | grep -q '^  zvpush check '; then
+  zvpush check "$share"/*.json > "$work/check.out" 2>&1 || [ $? -eq 1 ] ||
+    { cat "$work/check.out"; fail "zvpush check on the installed examples"; }
+fi
 echo "check-package: $version, from /tmp: inspect and preview of $(ls "$share"/*.json | wc -l) installed examples"
 
 # The studio from /tmp, with no --root: its bundled examples, behind its token.
