@@ -23,15 +23,18 @@ zvpush = os.path.join(build, "tools/zvpush/zvpush")
 studio = subprocess.Popen([zvpush, "studio", "--port", "0", "--root",
                            os.path.join(ROOT, "examples")], stdout=subprocess.PIPE, text=True)
 try:
-    url = studio.stdout.readline().split()[-1]
-    examples = json.load(urllib.request.urlopen(url + "/api/examples"))
+    printed = studio.stdout.readline().split()[-1]  # http://127.0.0.1:PORT/?token=T
+    url, token = printed.split("/?token=")
+    headers = {"X-Studio-Token": token, "Content-Type": "application/json"}
+    examples = json.load(urllib.request.urlopen(urllib.request.Request(url + "/api/examples",
+                                                                       headers=headers)))
     carousel = next(e["payload"] for e in examples if e["name"] == "carousel")
     body = json.dumps({"payload": carousel}).encode()
 
     def request():
         start = time.perf_counter()
-        answer = json.load(urllib.request.urlopen(urllib.request.Request(url + "/api/preview",
-                                                                         data=body)))
+        answer = json.load(urllib.request.urlopen(urllib.request.Request(
+            url + "/api/preview", data=body, headers=headers)))
         assert len(answer["delivered"]["attachments"]) == 3, answer["downloads"]
         return (time.perf_counter() - start) * 1000
 

@@ -3,6 +3,9 @@
 # per library. The build tree exports the same package, for a host built against it.
 include(CMakePackageConfigHelpers)
 set(zv_cmake_dir ${CMAKE_INSTALL_LIBDIR}/cmake/zentrova)
+# Whatever names no component is the library's development files (the libzentrova-dev package of
+# cmake/Packaging.cmake); the command-line tool's files are the component "zvpush", below.
+set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME dev)
 
 # Only the public headers: everything under src/ stays inside.
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/zentrova/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zentrova
@@ -11,7 +14,6 @@ install(FILES ${PROJECT_BINARY_DIR}/generated/zentrova/Version.h
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zentrova)
 install(TARGETS zv_service zv_content EXPORT zentrovaTargets
         ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
-install(TARGETS zvpush zvpush-content RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(EXPORT zentrovaTargets NAMESPACE zentrova:: DESTINATION ${zv_cmake_dir})
 
 configure_package_config_file(cmake/zentrovaConfig.cmake.in
@@ -39,3 +41,18 @@ foreach(lib IN ITEMS service content)
   install(FILES ${PROJECT_BINARY_DIR}/zentrova-${lib}.pc
           DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 endforeach()
+
+# ---- The command-line tool (component zvpush) ----------------------------------------------------
+# Both programs; the examples in <prefix>/share/zentrova/examples, where zvpush finds them from any
+# folder (the host example goes with the library's development files); the completions and manual
+# pages made at build time from zvpush's command table.
+install(TARGETS zvpush zvpush-content RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT zvpush)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples/ DESTINATION ${CMAKE_INSTALL_DATADIR}/zentrova/examples
+        COMPONENT zvpush PATTERN host EXCLUDE)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples/host
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/zentrova/examples COMPONENT dev)
+install(DIRECTORY ${PROJECT_BINARY_DIR}/share/bash-completion ${PROJECT_BINARY_DIR}/share/zsh
+                  ${PROJECT_BINARY_DIR}/share/fish DESTINATION ${CMAKE_INSTALL_DATADIR}
+        COMPONENT zvpush)
+install(DIRECTORY ${PROJECT_BINARY_DIR}/share/man/ DESTINATION ${CMAKE_INSTALL_MANDIR}
+        COMPONENT zvpush)

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Builds the libFuzzer targets with clang (address and undefined-behaviour sanitizers) and runs
 # each for SECONDS (default 60) on a corpus grown from fuzz/seeds/<target>. Prints each target's
-# executions and coverage; exits non-zero when a target finds a crash (its input is kept in
-# build/fuzz/artifacts).
+# executions and coverage; exits non-zero when a target finds a crash (its input, like any leak,
+# timeout or out-of-memory input, is kept in build/fuzz/artifacts, under the ignored build/).
 # Usage: fuzz/run.sh [SECONDS] [TARGET...]
 set -euo pipefail
 cd "$(dirname "$0")/.."

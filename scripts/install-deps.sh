@@ -12,6 +12,7 @@ packages=(
   libavformat-dev libavcodec-dev libavutil-dev libswscale-dev ffmpeg imagemagick
   libgtest-dev libgmock-dev libbenchmark-dev libcpp-httplib-dev clang-format
   clang libclang-rt-14-dev jq python3 chromium doxygen abigail-tools
+  dpkg-dev bash-completion zsh fish groff-base
 )
 
 missing=()

@@ -1,9 +1,10 @@
 #!/usr/bin/env python3
 """The studio page in a real browser. Starts `zvpush studio` on the examples and Debian's chromium
 headless, and drives the page over the DevTools protocol (a small WebSocket client below, standard
-library only): the carousel example renders; editing the payload (a new title, no
-"mutable-content") changes the preview image, the collapsed title and brings the warning; a payload
-that is not JSON shows the CLI's one-line error. The page's screenshot is kept as an artefact.
+library only): the carousel example renders; a request without the token gets 403 and an injected
+inline handler does not run; editing the payload (a new title, no "mutable-content") changes the
+preview image, the collapsed title and brings the warning; a payload that is not JSON shows the
+CLI's one-line error. The page's screenshot is kept as an artefact.
 Every wait is for a condition in the page, with a deadline.
 Usage: browser_test.py ZVPUSH ARTEFACT_DIR"""
 import base64
@@ -153,6 +154,19 @@ def main():
         first = page.evaluate("document.getElementById('light').src")
         title = page.evaluate("document.getElementById('title').textContent")
         print(f"browser-test: the carousel example rendered ({title!r})")
+
+        # Without the token of the page's URL the studio answers nothing; an injected inline
+        # handler does not run (the page's Content-Security-Policy).
+        status = page.evaluate("fetch('/api/examples', {headers: {'Content-Type': "
+                               "'application/json'}}).then((r) => r.status)")
+        assert status == 403, f"a request without the token got {status}"
+        inline = page.evaluate("""new Promise((resolve) => {
+            const holder = document.createElement('div');
+            holder.innerHTML = '<img src="/nothing" onerror="window.injected = true">';
+            holder.firstChild.addEventListener('error', () => resolve(window.injected === true));
+            document.body.appendChild(holder); })""")
+        assert inline is False, "an inline handler ran"
+        print("browser-test: no answer without the token, no inline script")
 
         edited = json.loads(page.evaluate("document.getElementById('payload').value"))
         del edited["aps"]["mutable-content"]

@@ -1,6 +1,7 @@
 // "zvpush COMMAND ARGS" (serve by default, or studio) as a child process that serves until it is
-// stopped: the shell execs it, keeping the pid it printed; the first line the server printed
-// ("listening on URL"), its URL and its port.
+// stopped, through env(1) when given its arguments ("TMPDIR=/x", "-C FOLDER"): the shell execs it,
+// keeping the pid it printed; the first line the server printed ("listening on URL"), its URL and
+// its port.
 #pragma once
 
 #include <signal.h>
@@ -14,8 +15,11 @@ namespace zvtest {
 
 class ServerProcess {
  public:
-  explicit ServerProcess(const std::string& args, const std::string& command = "serve") {
-    out_ = popen(("echo $$; exec " ZVPUSH_PATH " " + command + " " + args).c_str(), "r");
+  explicit ServerProcess(const std::string& args, const std::string& command = "serve",
+                         const std::string& environment = "") {
+    std::string program =
+        environment.empty() ? ZVPUSH_PATH : "env " + environment + " " ZVPUSH_PATH;
+    out_ = popen(("echo $$; exec " + program + " " + command + " " + args).c_str(), "r");
     pid_ = std::stoi(line());
     firstLine = line();
     port = std::atoi(firstLine.c_str() + firstLine.rfind(':') + 1);

@@ -6,7 +6,9 @@
 
 #include "common/ArgParser.h"
 #include "common/Command.h"
+#include "common/CommandDoc.h"
 #include "common/JsonIO.h"
+#include "common/ShellFiles.h"
 #include "zentrova/Version.h"
 
 namespace zvpush {
@@ -38,16 +40,17 @@ void printHelp(std::ostream& out) {
     out << "  " << name << std::string(name.size() < 10 ? 10 - name.size() : 1, ' ') << c.summary
         << "\n";
   }
-  out << "\nOptions of every command:\n"
-         "  --compact  print JSON on one line\n"
-         "  --help     what a command does and every option it takes (also: zvpush help CMD)\n"
-         "  --version  the version\n";
+  out << "\nOptions of every command:\n";
+  for (const auto& o : commonOptions()) {
+    out << "  " << o.name << std::string(11 - o.name.size(), ' ') << o.description << "\n";
+  }
+  out << "  --version  the version\n";
 }
 
 void printCommandHelp(const Command& c) {
   std::cout << "zvpush " << c.usage << "\n\n" << c.summary << ".\n";
   if (!c.help.empty()) std::cout << "\n" << c.help;
-  std::cout << "\n  --compact  print JSON on one line\n";
+  std::cout << "\n  --compact  " << commonOptions().front().description << "\n";
 }
 
 // Standard output that could not be written (a full disk, a closed pipe) is an error.
@@ -82,6 +85,12 @@ int main(int argc, char** argv) {
       std::cout << "  " << name << " " << version << "\n";
     }
     return finish(kOk);
+  }
+  // Hidden: the completions and manual pages, made from the table above at build time.
+  if (args[0] == "--shell-files" && args.size() == 2) {
+    std::vector<CommandDoc> docs;
+    for (const auto& [name, c] : commands()) docs.push_back(CommandDoc::of(c));
+    return ShellFiles(std::move(docs)).write(args[1]) ? kOk : kFailure;
   }
   if (args[0] == "help") {
     auto it = commands().find(args[1]);

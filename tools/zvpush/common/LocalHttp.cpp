@@ -63,9 +63,28 @@ void refuseSharedPorts(httplib::Server& http) {
   });
 }
 
+std::string hostInUrl(const std::string& address) {
+  if (isWildcardAddress(address)) return "127.0.0.1";
+  return address.find(':') != std::string::npos ? "[" + address + "]" : address;
+}
+
+bool isWildcardAddress(const std::string& address) {
+  return address == "0.0.0.0" || address == "::" || address == "[::]";
+}
+
 int listenUntilSignalled(httplib::Server& http, int port, const std::string& scheme,
                          const std::function<void()>& onStop,
                          const std::function<void(int)>& onBound) {
+  ListenAddress address;
+  address.port = port;
+  address.scheme = scheme;
+  return listenUntilSignalled(http, address, onStop, onBound);
+}
+
+int listenUntilSignalled(httplib::Server& http, const ListenAddress& address,
+                         const std::function<void()>& onStop,
+                         const std::function<void(int)>& onBound) {
+  const int port = address.port;
   // SIGINT and SIGTERM are taken by one waiting thread (every other thread blocks them), which
   // stops the server; writing to a client that went away must not end the process either.
   sigset_t stopSignals;
@@ -76,19 +95,22 @@ int listenUntilSignalled(httplib::Server& http, int port, const std::string& sch
   std::signal(SIGPIPE, SIG_IGN);
 
   errno = 0;
-  int bound = port > 0 ? (http.bind_to_port("127.0.0.1", port) ? port : -1)
-                       : http.bind_to_any_port("127.0.0.1");
+  std::string host = address.host == "[::]" ? "::" : address.host;
+  int bound = port > 0 ? (http.bind_to_port(host.c_str(), port) ? port : -1)
+                       : http.bind_to_any_port(host.c_str());
   if (bound <= 0) {
     int error = errno;
     std::string why = error == EADDRINUSE ? "address already in use"
                       : error != 0        ? std::strerror(error)
                                           : "the socket could not be bound";
-    std::fprintf(stderr, "zvpush: cannot listen on 127.0.0.1:%d: %s\n", static_cast<int>(port),
-                 why.c_str());
+    std::string named = host.find(':') != std::string::npos ? "[" + host + "]" : host;
+    std::fprintf(stderr, "zvpush: cannot listen on %s:%d: %s\n", named.c_str(),
+                 static_cast<int>(port), why.c_str());
     return kFailure;
   }
   if (onBound) onBound(bound);
-  std::cout << "listening on " << scheme << "://127.0.0.1:" << bound << std::endl;
+  std::cout << "listening on " << address.scheme << "://" << hostInUrl(host) << ":" << bound
+            << address.path << std::endl;
 
   std::atomic<bool> signalled{false};
   std::thread waiter([&] {

@@ -1,6 +1,6 @@
-// What zvpush serve and zvpush studio share as local HTTP servers on 127.0.0.1: files under a root
-// (never outside it) with their content types, a port in use refused rather than shared, and
-// serving until SIGINT or SIGTERM.
+// What zvpush serve and zvpush studio share as local HTTP servers (on 127.0.0.1 unless told
+// otherwise): files under a root (never outside it) with their content types, a port in use
+// refused rather than shared, and serving until SIGINT or SIGTERM.
 #pragma once
 
 #include <httplib.h>
@@ -36,5 +36,24 @@ void refuseSharedPorts(httplib::Server& http);
 int listenUntilSignalled(httplib::Server& http, int port, const std::string& scheme,
                          const std::function<void()>& onStop,
                          const std::function<void(int)>& onBound = {});
+
+// Where a server listens and how its URL is printed.
+struct ListenAddress {
+  std::string host = "127.0.0.1";  // the address bound ("0.0.0.0", "::" or "::1" too)
+  int port = 0;                    // 0: any free port
+  std::string scheme = "http";
+  std::string path;  // appended to the printed URL ("/?token=...")
+};
+
+// As above, on any address: prints "listening on SCHEME://HOST:PORT" + path (a wildcard address
+// prints as 127.0.0.1, an IPv6 one in brackets).
+int listenUntilSignalled(httplib::Server& http, const ListenAddress& address,
+                         const std::function<void()>& onStop,
+                         const std::function<void(int)>& onBound = {});
+
+// How an address is written before ":PORT" in a URL or a Host header ("[::1]", "127.0.0.1").
+std::string hostInUrl(const std::string& address);
+// Whether the address listens on every interface ("0.0.0.0", "::").
+bool isWildcardAddress(const std::string& address);
 
 }  // namespace zvpush

@@ -97,12 +97,17 @@ struct MemoryLog {
 
 }  // namespace
 
-Studio::Studio(fs::path root, fs::path scratch)
-    : root_(std::move(root)), scratch_(std::move(scratch)) {
+Studio::Studio(fs::path root, fs::path scratch, StudioGuard guard)
+    : root_(std::move(root)), scratch_(std::move(scratch)), guard_(std::move(guard)) {
   // Card clicks land in a store of the studio's own.
   zv::Platform::shared().setStoreDirectory(scratch_ / "store");
   zv::ZVExtensionDataManager::sharedManager().setAppGroupID("group.zvpush.studio");
   PreviewScene::prepare();
+}
+
+void Studio::listening(const std::string& host, int port) {
+  origin_ = "http://" + hostInUrl(host) + ":" + std::to_string(port);
+  guard_.setPort(port);
 }
 
 json::value Studio::examples() const {
@@ -116,8 +121,13 @@ json::value Studio::examples() const {
   json::array out;
   for (const auto& file : files) {
     std::string text = readInput(file);
+    // Each media URL of the README's server becomes this studio's file, with the token the
+    // flow's download must show.
+    const std::string query = guard_.token().empty() ? "" : "?token=" + guard_.token();
     for (std::size_t at; media && (at = text.find(kExampleMediaServer)) != std::string::npos;) {
       text.replace(at, std::strlen(kExampleMediaServer), origin_ + "/files/media/");
+      std::size_t end = text.find('"', at);
+      if (end != std::string::npos) text.insert(end, query);
     }
     out.push_back(json::object{{"name", file.stem().string()}, {"payload", text}});
   }
@@ -240,8 +250,30 @@ void Studio::install(httplib::Server& http) {  // Enough workers for a page's re
     res.status = status;
     res.set_content(json::serialize(body), "application/json");
   };
+  // Refused before the body is read, and so before anything runs.
+  http.set_pre_routing_handler([this, answer](const httplib::Request& req, httplib::Response& res) {
+    auto refusal = guard_.check(req);
+    if (!refusal) return httplib::Server::HandlerResponse::Unhandled;
+    answer(res, refusal->status, json::object{{"error", refusal->reason}});
+    return httplib::Server::HandlerResponse::Handled;
+  });
+  http.set_post_routing_handler([](const httplib::Request&, httplib::Response& res) {
+    res.set_header("X-Content-Type-Options", "nosniff");
+    res.set_header("X-Frame-Options", "DENY");
+    res.set_header("Content-Security-Policy",
+                   "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self' data:; "
+                   "connect-src 'self'; base-uri 'none'; form-action 'none'; "
+                   "frame-ancestors 'none'");
+    res.set_header("Referrer-Policy", "no-referrer");
+  });
   http.Get("/", [](const httplib::Request&, httplib::Response& res) {
     res.set_content(studioPage(), "text/html; charset=utf-8");
+  });
+  http.Get("/studio.js", [](const httplib::Request&, httplib::Response& res) {
+    res.set_content(studioScript(), "text/javascript; charset=utf-8");
+  });
+  http.Get("/studio.css", [](const httplib::Request&, httplib::Response& res) {
+    res.set_content(studioStyle(), "text/css; charset=utf-8");
   });
   http.Get("/api/examples", [this, answer](const httplib::Request&, httplib::Response& res) {
     answer(res, 200, examples());

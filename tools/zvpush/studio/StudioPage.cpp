@@ -1,6 +1,7 @@
 // The studio's one page: a payload editor with the examples preloaded, the collapsed notification
 // as the phone shows it, the expanded preview in light and dark side by side, what inspect says and
-// what became of each download. Plain HTML, CSS and a small script, nothing loaded from elsewhere,
+// what became of each download. Plain HTML, with its script and style served as files of their own
+// (the studio's Content-Security-Policy allows nothing inline) and nothing loaded from elsewhere,
 // so it works offline. Edits re-render a moment after typing stops; a tap on a preview says what
 // the tap would do.
 #include "studio/Studio.h"
@@ -13,31 +14,7 @@ const char* studioPage() {
 <head>
 <meta charset="utf-8">
 <title>zvpush studio</title>
-<style>
-  body { font: 14px/1.4 system-ui, sans-serif; margin: 0; background: #eef0f3; color: #1c1e21; }
-  header { background: #1c1e21; color: #fff; padding: 10px 16px; font-weight: 600; }
-  main { display: grid; grid-template-columns: minmax(320px, 1fr) 2fr; gap: 16px; padding: 16px; }
-  section { background: #fff; border-radius: 10px; padding: 12px; margin-bottom: 16px; }
-  h2 { font-size: 13px; text-transform: uppercase; color: #65676b; margin: 0 0 8px; }
-  textarea { width: 100%; height: 480px; font: 12px/1.4 ui-monospace, monospace; box-sizing: border-box; }
-  .controls { display: flex; gap: 12px; flex-wrap: wrap; margin: 8px 0; align-items: center; }
-  #error { display: none; background: #fdecea; color: #a8071a; padding: 8px 12px; border-radius: 8px;
-           font-family: ui-monospace, monospace; margin-bottom: 12px; }
-  .collapsed { display: flex; gap: 10px; align-items: center; background: #f5f5f7; border-radius: 14px;
-               padding: 10px 12px; max-width: 420px; }
-  .collapsed .texts { flex: 1; min-width: 0; }
-  .collapsed b, .collapsed span { display: block; overflow: hidden; text-overflow: ellipsis; white-space: nowrap; }
-  .collapsed img { width: 40px; height: 40px; object-fit: cover; border-radius: 6px; }
-  .previews { display: flex; gap: 16px; flex-wrap: wrap; }
-  .preview { flex: 1; min-width: 240px; }
-  .preview img { width: 100%; border-radius: 12px; cursor: crosshair; background: repeating-conic-gradient(#ddd 0 25%, #fff 0 50%) 0 0 / 16px 16px; }
-  .preview.dark img { background-color: #000; }
-  ul { margin: 0; padding-left: 18px; }
-  li code { color: #6b2fb3; }
-  .none { color: #65676b; font-style: italic; }
-  #tap { font-family: ui-monospace, monospace; white-space: pre-wrap; }
-  #status { color: #65676b; font-size: 12px; }
-</style>
+<link rel="stylesheet" href="/studio.css">
 </head>
 <body>
 <header>zvpush studio <span id="status"></span></header>
@@ -75,10 +52,19 @@ const char* studioPage() {
     <section><h2>Downloads</h2><ul id="downloads"></ul></section>
   </div>
 </main>
-<script>
-"use strict";
+<script src="/studio.js"></script>
+</body>
+</html>
+)HTML";
+}
+
+const char* studioScript() {
+  return R"JS("use strict";
 const $ = (id) => document.getElementById(id);
 let examples = [], timer = null, generation = 0, last = null;
+// The token of the URL the studio printed, sent back with every API request.
+const token = new URLSearchParams(location.search).get("token") || "";
+const apiHeaders = { "Content-Type": "application/json", "X-Studio-Token": token };
 
 function list(id, items, show) {
   const ul = $(id);
@@ -111,7 +97,7 @@ async function request(tap) {
   let answer;
   try {
     const response = await fetch("/api/preview", { method: "POST", body: JSON.stringify(body),
-                                                    headers: { "Content-Type": "application/json" } });
+                                                    headers: apiHeaders });
     answer = await response.json();
   } catch (e) {
     answer = { error: "the studio did not answer: " + e };
@@ -165,7 +151,8 @@ async function tapAt(event, dark) {
 
 async function start() {
   try {
-    examples = await (await fetch("/api/examples")).json();
+    examples = await (await fetch("/api/examples", { headers: apiHeaders })).json();
+    if (!Array.isArray(examples)) throw new Error(examples.error);
   } catch (e) {
     examples = [];
   }
@@ -182,10 +169,34 @@ for (const id of ["width", "version", "hidden"]) $(id).addEventListener("change"
 $("light").addEventListener("click", (e) => tapAt(e, false));
 $("dark").addEventListener("click", (e) => tapAt(e, true));
 start();
-</script>
-</body>
-</html>
-)HTML";
+)JS";
+}
+
+const char* studioStyle() {
+  return R"CSS(body { font: 14px/1.4 system-ui, sans-serif; margin: 0; background: #eef0f3; color: #1c1e21; }
+header { background: #1c1e21; color: #fff; padding: 10px 16px; font-weight: 600; }
+main { display: grid; grid-template-columns: minmax(320px, 1fr) 2fr; gap: 16px; padding: 16px; }
+section { background: #fff; border-radius: 10px; padding: 12px; margin-bottom: 16px; }
+h2 { font-size: 13px; text-transform: uppercase; color: #65676b; margin: 0 0 8px; }
+textarea { width: 100%; height: 480px; font: 12px/1.4 ui-monospace, monospace; box-sizing: border-box; }
+.controls { display: flex; gap: 12px; flex-wrap: wrap; margin: 8px 0; align-items: center; }
+#error { display: none; background: #fdecea; color: #a8071a; padding: 8px 12px; border-radius: 8px;
+         font-family: ui-monospace, monospace; margin-bottom: 12px; }
+.collapsed { display: flex; gap: 10px; align-items: center; background: #f5f5f7; border-radius: 14px;
+             padding: 10px 12px; max-width: 420px; }
+.collapsed .texts { flex: 1; min-width: 0; }
+.collapsed b, .collapsed span { display: block; overflow: hidden; text-overflow: ellipsis; white-space: nowrap; }
+.collapsed img { width: 40px; height: 40px; object-fit: cover; border-radius: 6px; }
+.previews { display: flex; gap: 16px; flex-wrap: wrap; }
+.preview { flex: 1; min-width: 240px; }
+.preview img { width: 100%; border-radius: 12px; cursor: crosshair; background: repeating-conic-gradient(#ddd 0 25%, #fff 0 50%) 0 0 / 16px 16px; }
+.preview.dark img { background-color: #000; }
+ul { margin: 0; padding-left: 18px; }
+li code { color: #6b2fb3; }
+.none { color: #65676b; font-style: italic; }
+#tap { font-family: ui-monospace, monospace; white-space: pre-wrap; }
+#status { color: #65676b; font-size: 12px; }
+)CSS";
 }
 
 }  // namespace zvpush
