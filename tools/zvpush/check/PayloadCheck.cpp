@@ -1,0 +1,136 @@
+#include "check/PayloadCheck.h"
+
+#include <malloc.h>
+
+#include <boost/json.hpp>
+
+#include "check/Device.h"
+#include "check/MediaFetch.h"
+#include "check/TreeFindings.h"
+#include "common/ArgParser.h"
+#include "common/JsonIO.h"
+#include "payload/PayloadReasons.h"
+#include "payload/PayloadWarnings.h"
+#include "preview/PreviewScene.h"
+#include "service/ServicePlan.h"
+#include "service/ZVRichNotificationHandler.h"
+#include "zentrova/Renderer.h"
+#include "zentrova/UIView.h"
+#include "zentrova/UNNotificationRequest.h"
+#include "zentrova/ZVPushTemplateHandler.h"
+#include "zentrova/ZVRichNotification.h"
+
+namespace zvpush {
+
+namespace {
+
+namespace json = boost::json;
+
+Finding stampFor(const std::string& file, const CheckSettings& s) {
+  Finding f;
+  f.file = file;
+  f.platformVersion = s.platformVersion;
+  return f;
+}
+
+// What inspect says about the payload: its reasons (the rich push dropped, a template that shows
+// nothing, media left out) as errors, its warnings as warnings.
+void inspect(const zv::Value& payload, const Finding& stamp, json::array& out) {
+  auto request = zv::UNNotificationRequest::requestWithRemoteNotification("check", payload);
+  auto plan = zv::ServicePlan::make(zv::ZVRichNotificationHandler::sharedHandler(), request, false);
+  for (const auto& reason : PayloadReasons::explain(payload, plan)) {
+    const auto& r = reason.as_object();
+    Finding f = stamp;
+    f.code = "payload-reason";
+    f.message = json::value_to<std::string>(r.at("message"));
+    f.details = json::object{{"path", r.at("path")}};
+    out.push_back(f.toJson());
+  }
+  for (const auto& warning : PayloadWarnings::check(payload, payload.description().size())) {
+    const auto& w = warning.as_object();
+    Finding f = stamp;
+    f.severity = Severity::kWarning;
+    f.code = json::value_to<std::string>(w.at("code"));
+    f.message = json::value_to<std::string>(w.at("message"));
+    f.details = json::object{{"path", w.at("path")}};
+    out.push_back(f.toJson());
+  }
+}
+
+}  // namespace
+
+json::object PayloadCheck::run(const std::string& file, std::size_t index, const CheckSettings& s) {
+  const Finding stamp = stampFor(file, s);
+  json::array findings, matrix;
+  json::object out{{"file", file}, {"fetched", s.fetch}};
+  zv::Value input;
+  try {
+    input = readJsonObject(file);
+  } catch (const UsageError& e) {
+    Finding f = stamp;
+    f.code = "unreadable-payload";
+    f.message = e.what();
+    findings.push_back(f.toJson());
+    out["findings"] = std::move(findings);
+    out["matrix"] = std::move(matrix);
+    return out;
+  }
+  const bool delivered = input.get("userInfo").isObject();
+  const zv::Value payload = delivered ? input.get("userInfo") : input;
+  inspect(payload, stamp, findings);
+  if (s.fetch) {
+    MediaFetch fetch(s.scratch / ("fetch-" + std::to_string(index)));
+    input = fetch.deliver(payload, stamp, findings);
+  }
+
+  for (double width : s.widths) {
+    const Device device = Device::ofWidth(width);
+    for (const std::string& style : s.styles) {
+      PreviewSettings settings;
+      settings.width = device.width;
+      settings.screenHeight = device.height;
+      settings.scale = device.scale;
+      settings.platformVersion = s.platformVersion;
+      settings.dark = style == "dark";
+      settings.contentHidden = s.contentHidden;
+      Finding at = stamp;
+      at.width = device.width;
+      at.height = device.height;
+      at.style = style;
+      json::object cell{
+          {"device", json::object{{"width", device.width}, {"height", device.height}}},
+          {"style", style},
+          {"template", nullptr},
+          {"size", nullptr},
+          {"png", nullptr}};
+      try {
+        // Each preview is a fresh extension: the handler keeps dark once it has shown it.
+        zv::ZVPushTemplateHandler::resetSharedInstance();
+        PreviewScene scene = PreviewScene::show(input, settings);
+        const auto& root = scene.root();
+        for (const Finding& f : TreeFindings::read(*root, at, device)) {
+          findings.push_back(f.toJson());
+        }
+        auto kind = scene.templateKind();
+        cell["template"] = kind ? json::value(*kind) : json::value(nullptr);
+        cell["size"] = json::array{root->frame().size.width, root->frame().size.height};
+        if (s.previews) {
+          auto png = *s.previews / (std::to_string(index) + "-" + std::to_string(int(width)) + "-" +
+                                    style + ".png");
+          if (zv::Renderer(1).writePng(*root, png)) cell["png"] = png.string();
+        }
+      } catch (const std::exception& e) {
+        at.code = "preview-failed";
+        at.message = std::string("the content extension could not show it: ") + e.what();
+        findings.push_back(at.toJson());
+      }
+      matrix.push_back(std::move(cell));
+    }
+  }
+  malloc_trim(0);
+  out["findings"] = std::move(findings);
+  out["matrix"] = std::move(matrix);
+  return out;
+}
+
+}  // namespace zvpush
