@@ -64,10 +64,14 @@ bool CheckReport::writeContactSheet(const std::filesystem::path& dir) const {
       auto s = json::value_to<std::string>(c.at("style"));
       if (std::find(styles.begin(), styles.end(), s) == styles.end()) styles.push_back(s);
     }
+    const auto& matrix = p.at("matrix").as_array();
+    if (matrix.empty()) {
+      out << "</section>\n";
+      continue;
+    }
     out << "<table><tr><th>device</th>";
     for (const auto& s : styles) out << "<th>" << escapeMarkup(s) << "</th>";
     out << "</tr>\n";
-    const auto& matrix = p.at("matrix").as_array();
     for (std::size_t i = 0; i < matrix.size(); i += styles.size()) {
       const auto& device = matrix[i].at("device").as_object();
       double w = device.at("width").to_number<double>(),

@@ -33,6 +33,13 @@ Finding stampFor(const std::string& file, const CheckSettings& s) {
   return f;
 }
 
+// "path: message", or the message alone for the payload as a whole.
+std::string at(const json::object& said) {
+  auto path = json::value_to<std::string>(said.at("path"));
+  auto message = json::value_to<std::string>(said.at("message"));
+  return path.empty() ? message : path + ": " + message;
+}
+
 // What inspect says about the payload: its reasons (the rich push dropped, a template that shows
 // nothing, media left out) as errors, its warnings as warnings.
 void inspect(const zv::Value& payload, const Finding& stamp, json::array& out) {
@@ -42,7 +49,7 @@ void inspect(const zv::Value& payload, const Finding& stamp, json::array& out) {
     const auto& r = reason.as_object();
     Finding f = stamp;
     f.code = "payload-reason";
-    f.message = json::value_to<std::string>(r.at("message"));
+    f.message = at(r);
     f.details = json::object{{"path", r.at("path")}};
     out.push_back(f.toJson());
   }
@@ -51,7 +58,7 @@ void inspect(const zv::Value& payload, const Finding& stamp, json::array& out) {
     Finding f = stamp;
     f.severity = Severity::kWarning;
     f.code = json::value_to<std::string>(w.at("code"));
-    f.message = json::value_to<std::string>(w.at("message"));
+    f.message = at(w);
     f.details = json::object{{"path", w.at("path")}};
     out.push_back(f.toJson());
   }
@@ -93,10 +100,10 @@ json::object PayloadCheck::run(const std::string& file, std::size_t index, const
       settings.platformVersion = s.platformVersion;
       settings.dark = style == "dark";
       settings.contentHidden = s.contentHidden;
-      Finding at = stamp;
-      at.width = device.width;
-      at.height = device.height;
-      at.style = style;
+      Finding here = stamp;
+      here.width = device.width;
+      here.height = device.height;
+      here.style = style;
       json::object cell{
           {"device", json::object{{"width", device.width}, {"height", device.height}}},
           {"style", style},
@@ -108,7 +115,7 @@ json::object PayloadCheck::run(const std::string& file, std::size_t index, const
         zv::ZVPushTemplateHandler::resetSharedInstance();
         PreviewScene scene = PreviewScene::show(input, settings);
         const auto& root = scene.root();
-        for (const Finding& f : TreeFindings::read(*root, at, device)) {
+        for (const Finding& f : TreeFindings::read(*root, here, device)) {
           findings.push_back(f.toJson());
         }
         auto kind = scene.templateKind();
@@ -120,9 +127,9 @@ json::object PayloadCheck::run(const std::string& file, std::size_t index, const
           if (zv::Renderer(1).writePng(*root, png)) cell["png"] = png.string();
         }
       } catch (const std::exception& e) {
-        at.code = "preview-failed";
-        at.message = std::string("the content extension could not show it: ") + e.what();
-        findings.push_back(at.toJson());
+        here.code = "preview-failed";
+        here.message = std::string("the content extension could not show it: ") + e.what();
+        findings.push_back(here.toJson());
       }
       matrix.push_back(std::move(cell));
     }
