@@ -94,7 +94,8 @@ MediaFetch::~MediaFetch() {
 
 std::uintmax_t MediaFetch::limitFor(const std::string& type) {
   if (type == "image/gif") return 50 * Attachment::kMegabyte;
-  std::string kind = Attachment::mediaKindOfType(type);
+  // A declared kind ("audio") stands for its types when the bytes have none.
+  std::string kind = type.find('/') == std::string::npos ? type : Attachment::mediaKindOfType(type);
   if (kind == "audio") return Attachment::kMaxAudioBytes;
   if (kind == "video") return Attachment::kMaxVideoBytes;
   return Attachment::kMaxImageBytes;
@@ -158,7 +159,7 @@ zv::Value MediaFetch::deliver(const zv::Value& payload, const Finding& stamp,
     if (auto size = fs::file_size(file, ec); !ec) bytes = size;
     bool cutOff = transfer->error && transfer->error->code == zv::UrlSession::kBodyTooLargeError;
     std::string kind = Attachment::mediaKindOfType(type);
-    std::uintmax_t limit = limitFor(type.empty() ? declared + "/" : type);
+    std::uintmax_t limit = limitFor(type.empty() ? declared : type);
     if (cutOff || bytes > limit) {
       add("media-too-large", url,
           fmt::format("{} is {}{}, the phone takes at most {} for {}", url, cutOff ? "over " : "",

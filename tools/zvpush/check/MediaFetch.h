@@ -28,7 +28,8 @@ class MediaFetch {
   // added to findings, each a copy of stamp with its code, message and details.
   zv::Value deliver(const zv::Value& payload, const Finding& stamp, boost::json::array& findings);
 
-  // The most bytes the phone takes for a MIME type ("image/gif", "video/mp4", ...).
+  // The most bytes the phone takes for a MIME type ("image/gif", "video/mp4", ...) or a declared
+  // media kind ("image", "audio", "video").
   static std::uintmax_t limitFor(const std::string& mimeType);
 
  private:
