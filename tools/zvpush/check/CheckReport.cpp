@@ -34,10 +34,10 @@ std::string CheckReport::summaryLine() const {
     return fmt::format("{} {}{}", n, word, n == 1 ? "" : "s");
   };
   return fmt::format(
-      "zvpush check: {}, {}: {}, {}, {} (fails on {}: {})", plural(payloads_.size(), "payload"),
+      "zvpush check: {}, {}: {}, {}, {}; {} (--fail-on {})", plural(payloads_.size(), "payload"),
       plural(previews_, "preview"), plural(count(Severity::kError), "error"),
       plural(count(Severity::kWarning), "warning"), plural(count(Severity::kInfo), "info"),
-      severityName(failOn_), failed() ? "failed" : "passed");
+      failed() ? "fails" : "passes", severityName(failOn_));
 }
 
 json::object CheckReport::document() const {

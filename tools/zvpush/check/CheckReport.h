@@ -26,7 +26,7 @@ class CheckReport {
 
   // True when some finding reaches the --fail-on severity.
   bool failed() const;
-  // "checked 9 payloads, 90 previews: 2 errors, 3 warnings, 1 info (fails on error)"
+  // "zvpush check: 9 payloads, 90 previews: 2 errors, 3 warnings, 1 info; fails (--fail-on error)"
   std::string summaryLine() const;
 
   std::string text() const;
