@@ -4,24 +4,22 @@
 
 #include <boost/json.hpp>
 #include <chrono>
-#include <future>
 #include <map>
 #include <mutex>
 
 #include "model/ZVMedia.h"
+#include "payload/ContentOnlyFlow.h"
 #include "payload/DeliveredContent.h"
 #include "platform/net/UrlSession.h"
 #include "platform/net/UrlSessionConfiguration.h"
 #include "platform/net/UrlSessionObserver.h"
 #include "platform/net/UrlSessionTask.h"
-#include "reporting/ZVExtensionNetworkManager.h"
 #include "service/ServicePlan.h"
 #include "service/ZVRichNotificationHandler.h"
 #include "zentrova/Platform.h"
 #include "zentrova/UNMutableNotificationContent.h"
 #include "zentrova/UNNotificationAttachment.h"
 #include "zentrova/UNNotificationRequest.h"
-#include "zentrova/ZVRichNotification.h"
 
 namespace zvpush {
 
@@ -110,20 +108,9 @@ zv::Value MediaFetch::deliver(const zv::Value& payload, const Finding& stamp,
   auto configuration = zv::Platform::shared().urlSessionConfiguration();
   configuration.temporaryDirectory = folder_;
   configuration.observer = transfers;
-  auto session = zv::UrlSession::sessionWithConfiguration(configuration);
-  zv::ZVExtensionNetworkManager::sharedManager().setNetworkSession(session);
-  auto promise = std::make_shared<std::promise<std::shared_ptr<zv::UNNotificationContent>>>();
-  auto once = std::make_shared<std::once_flag>();
-  auto future = promise->get_future();
-  zv::ZVRichNotification::getLocalNotificationContentForRequest(
-      request, [promise, once](const std::shared_ptr<zv::UNNotificationContent>& c) {
-        std::call_once(*once, [&] { promise->set_value(c); });
-      });
-  if (future.wait_for(kBudget) != std::future_status::ready) {
-    zv::ZVRichNotification::serviceExtensionTimeWillExpire();
-  }
-  auto content = future.get();
-  session->shutdown();
+  auto flow = ContentOnlyFlow::run(request, configuration, kBudget);
+  auto content = flow.content;
+  flow.session->shutdown();
 
   auto add = [&](const char* code, const std::string& url, std::string message,
                  json::object details) {

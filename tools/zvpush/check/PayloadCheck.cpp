@@ -67,6 +67,9 @@ void inspect(const zv::Value& payload, const Finding& stamp, json::array& out) {
 }  // namespace
 
 json::object PayloadCheck::run(const std::string& file, std::size_t index, const CheckSettings& s) {
+  // One renderer (and font map) for every preview this worker draws, at one pixel per point:
+  // the contact sheet shows many previews, not the phone's sharpness.
+  static const zv::Renderer renderer(1);
   const Finding stamp = stampFor(file, s);
   json::array findings, matrix;
   json::object out{{"file", file}, {"fetched", s.fetch}};
@@ -124,7 +127,7 @@ json::object PayloadCheck::run(const std::string& file, std::size_t index, const
         if (s.previews) {
           auto png = *s.previews / (std::to_string(index) + "-" + std::to_string(int(width)) + "-" +
                                     style + ".png");
-          if (zv::Renderer(1).writePng(*root, png)) cell["png"] = png.string();
+          if (renderer.writePng(*root, png)) cell["png"] = png.string();
         }
       } catch (const std::exception& e) {
         here.code = "preview-failed";

@@ -5,7 +5,6 @@
 #include <boost/json.hpp>
 #include <chrono>
 #include <cstdlib>
-#include <future>
 #include <sstream>
 
 #include "common/ArgParser.h"
@@ -13,6 +12,7 @@
 #include "common/JsonIO.h"
 #include "common/LocalHttp.h"
 #include "model/ZVPushPayload.h"
+#include "payload/ContentOnlyFlow.h"
 #include "payload/DeliveredContent.h"
 #include "payload/DownloadExplainer.h"
 #include "payload/PayloadReasons.h"
@@ -23,7 +23,6 @@
 #include "platform/net/UrlSession.h"
 #include "platform/net/UrlSessionConfiguration.h"
 #include "preview/PreviewScene.h"
-#include "reporting/ZVExtensionNetworkManager.h"
 #include "service/ServicePlan.h"
 #include "service/ZVRichNotificationHandler.h"
 #include "zentrova/Exception.h"
@@ -34,7 +33,6 @@
 #include "zentrova/UNNotificationAttachment.h"
 #include "zentrova/UNNotificationRequest.h"
 #include "zentrova/ZVExtensionDataManager.h"
-#include "zentrova/ZVRichNotification.h"
 
 namespace zvpush {
 
@@ -148,22 +146,11 @@ json::object Studio::preview(const json::object& request) {
   auto configuration = zv::Platform::shared().urlSessionConfiguration();
   configuration.temporaryDirectory = tmp;
   configuration.observer = explainer;
-  auto session = zv::UrlSession::sessionWithConfiguration(configuration);
-  zv::ZVExtensionNetworkManager::sharedManager().setNetworkSession(session);
-  auto delivered = std::make_shared<std::promise<std::shared_ptr<zv::UNNotificationContent>>>();
-  auto once = std::make_shared<std::once_flag>();
-  auto future = delivered->get_future();
-  zv::ZVRichNotification::getLocalNotificationContentForRequest(
-      notification, [delivered, once](const std::shared_ptr<zv::UNNotificationContent>& c) {
-        std::call_once(*once, [&] { delivered->set_value(c); });
-      });
-  if (future.wait_for(kBudget) != std::future_status::ready) {
-    zv::ZVRichNotification::serviceExtensionTimeWillExpire();
-    out["expired"] = true;
-  }
-  auto content = future.get();
+  auto flow = ContentOnlyFlow::run(notification, configuration, kBudget);
+  if (flow.expired) out["expired"] = true;
+  auto content = flow.content;
   explainer->explain(plan.media, *content, tmp / "Attachments");
-  session->shutdown();
+  flow.session->shutdown();
   out["downloads"] = log.lines();
   json::value described = describeDelivered(*content, id);
   json::value thumbnail = nullptr;
