@@ -80,11 +80,16 @@ std::string CheckReport::junit() const {
   for (const auto& p : payloads_) {
     const std::string file = boost::json::value_to<std::string>(p.at("file"));
     // The cases: what the payload itself says, then each preview.
-    std::vector<std::string> names{"payload"};
-    for (const auto& cell : p.at("matrix").as_array()) names.push_back(caseName(cell.as_object()));
+    std::vector<std::pair<std::string, double>> names{{"payload", 0.0}};
+    for (const auto& cell : p.at("matrix").as_array()) {
+      const auto* seconds = cell.as_object().if_contains("seconds");
+      names.push_back({caseName(cell.as_object()), seconds ? seconds->to_number<double>() : 0.0});
+    }
+    double total = 0;
+    for (const auto& n : names) total += n.second;
     std::string cases;
     std::size_t suiteFailures = 0;
-    for (const auto& name : names) {
+    for (const auto& [name, seconds] : names) {
       std::string failing, other;
       for (const auto& f : findings_) {
         if (f.file != file) continue;
@@ -101,16 +106,16 @@ std::string CheckReport::junit() const {
       }
       ++tests;
       suiteFailures += !failing.empty();
-      cases += fmt::format("  <testcase classname=\"{}\" name=\"{}\">\n{}", escapeMarkup(file),
-                           escapeMarkup(name), failing);
+      cases += fmt::format("  <testcase classname=\"{}\" name=\"{}\" time=\"{:.3f}\">\n{}",
+                           escapeMarkup(file), escapeMarkup(name), seconds, failing);
       if (!other.empty()) cases += "    <system-out>" + escapeMarkup(other) + "</system-out>\n";
       cases += "  </testcase>\n";
     }
     failures += suiteFailures;
     suites += fmt::format(
-        "<testsuite name=\"{}\" tests=\"{}\" failures=\"{}\" errors=\"0\">\n{}"
-        "</testsuite>\n",
-        escapeMarkup(file), names.size(), suiteFailures, cases);
+        "<testsuite name=\"{}\" tests=\"{}\" failures=\"{}\" errors=\"0\" skipped=\"0\" "
+        "time=\"{:.3f}\">\n{}</testsuite>\n",
+        escapeMarkup(file), names.size(), suiteFailures, total, cases);
   }
   return fmt::format(
       "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"

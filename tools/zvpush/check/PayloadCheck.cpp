@@ -3,6 +3,7 @@
 #include <malloc.h>
 
 #include <boost/json.hpp>
+#include <chrono>
 
 #include "check/Device.h"
 #include "check/MediaFetch.h"
@@ -113,6 +114,7 @@ json::object PayloadCheck::run(const std::string& file, std::size_t index, const
           {"template", nullptr},
           {"size", nullptr},
           {"png", nullptr}};
+      const auto started = std::chrono::steady_clock::now();
       try {
         // Each preview is a fresh extension: the handler keeps dark once it has shown it.
         zv::ZVPushTemplateHandler::resetSharedInstance();
@@ -134,6 +136,8 @@ json::object PayloadCheck::run(const std::string& file, std::size_t index, const
         here.message = std::string("the content extension could not show it: ") + e.what();
         findings.push_back(here.toJson());
       }
+      cell["seconds"] =
+          std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
       matrix.push_back(std::move(cell));
     }
   }

@@ -26,7 +26,8 @@ struct CheckSettings {
 };
 
 struct PayloadCheck {
-  // {"file", "findings": [...], "matrix": [{"device", "style", "template", "size", "png"}]}.
+  // {"file", "findings": [...], "matrix": [{"device", "style", "template", "size", "png",
+  // "seconds"}]}.
   // A file that cannot be read or is not a JSON object gives one "unreadable-payload" error.
   static boost::json::object run(const std::string& file, std::size_t index,
                                  const CheckSettings& settings);
