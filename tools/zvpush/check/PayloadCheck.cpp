@@ -15,9 +15,12 @@
 #include "preview/PreviewScene.h"
 #include "service/ServicePlan.h"
 #include "service/ZVRichNotificationHandler.h"
+#include "zentrova/Exception.h"
+#include "zentrova/Platform.h"
 #include "zentrova/Renderer.h"
 #include "zentrova/UIView.h"
 #include "zentrova/UNNotificationRequest.h"
+#include "zentrova/ZVExtensionDataManager.h"
 #include "zentrova/ZVPushTemplateHandler.h"
 #include "zentrova/ZVRichNotification.h"
 
@@ -68,6 +71,21 @@ void inspect(const zv::Value& payload, const Finding& stamp, json::array& out) {
 }  // namespace
 
 json::object PayloadCheck::run(const std::string& file, std::size_t index, const CheckSettings& s) {
+  // The worker makes the content side ready on its first payload: fonts, interface files and a
+  // scratch store for card clicks. Not in the parent before forking: Pango may have started a
+  // thread of its own by then, and a fork copies none of its locks' owners. When the fonts cannot
+  // be loaded this throws, and the payload is reported failed with the reason.
+  static const bool ready = [&] {
+    zv::Platform::shared().setStoreDirectory(s.scratch / "store");
+    zv::ZVExtensionDataManager::sharedManager().setAppGroupID("group.zvpush.check");
+    try {
+      PreviewScene::prepare();
+    } catch (const zv::Exception& e) {
+      throw std::runtime_error(e.reason());
+    }
+    return true;
+  }();
+  (void)ready;
   // One renderer (and font map) for every preview this worker draws, at one pixel per point:
   // the contact sheet shows many previews, not the phone's sharpness.
   static const zv::Renderer renderer(1);

@@ -1,11 +1,12 @@
 // The processes zvpush check spreads a batch over. The content side is single-threaded by design
 // (views, the run loop, the screen, the system version and the template handler are process-wide
-// and main-thread only), so the batch runs in worker processes forked from the prepared command:
-// each inherits the loaded fonts and interface files, and takes one item at a time from the
-// parent over a pipe (the next index), answering with one line of JSON. A worker that dies while
-// on an item (a decoder that crashes, a signal) costs only that item: the parent reports it as
-// lost, with how the worker ended, and forks a fresh worker for what is left.
-// Call it from a process that runs no other thread (fork copies only the caller's).
+// and main-thread only), so the batch runs in worker processes forked from the command: each makes
+// its content side ready once and keeps it (fonts, interface files) for every item it takes, one
+// at a time from the parent over a pipe (the next index), answering with one line of JSON. A worker
+// that dies while on an item (a decoder that crashes, a signal) costs only that item: the parent
+// reports it as lost, with how the worker ended, and forks a fresh worker for what is left. Call it
+// from a process that runs no other thread (fork copies only the caller's), which is why the parent
+// itself never loads the content side.
 #pragma once
 
 #include <boost/json/value.hpp>

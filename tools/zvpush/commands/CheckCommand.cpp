@@ -6,10 +6,10 @@
 // optionally writes an HTML contact sheet of every preview, and exits 1 when a finding reaches
 // --fail-on.
 //
-// The batch runs in one prepared program: fonts and interface files are loaded once, and -j
-// worker processes forked from it take the payloads one at a time (the content side is
-// single-threaded, see check/WorkerPool.h). A payload that cannot be read, or whose worker dies
-// on it, becomes an error finding; the others are still checked.
+// The batch runs in -j worker processes that each load the fonts and interface files once and then
+// take the payloads one at a time (the content side is single-threaded, see check/WorkerPool.h).
+// A payload that cannot be read, or whose worker dies on it, becomes an error finding; the others
+// are still checked.
 #include <unistd.h>
 
 #include <algorithm>
@@ -26,10 +26,6 @@
 #include "check/PayloadCheck.h"
 #include "check/WorkerPool.h"
 #include "common/ScratchFolder.h"
-#include "preview/PreviewScene.h"
-#include "zentrova/Exception.h"
-#include "zentrova/Platform.h"
-#include "zentrova/ZVExtensionDataManager.h"
 #else
 #include "common/ContentProgram.h"
 #endif
@@ -156,16 +152,9 @@ Options parse(const Args& given) {
 }
 
 int check(Options o) {
-  // The store card clicks would land in, the fetched media and the previews: all scratch.
+  // The store card clicks would land in, the fetched media and the previews: all scratch. The
+  // content side is made ready in each worker, not here: see PayloadCheck::run.
   ScratchFolder scratch("zvpush-check");
-  zv::Platform::shared().setStoreDirectory(scratch.path / "store");
-  zv::ZVExtensionDataManager::sharedManager().setAppGroupID("group.zvpush.check");
-  try {
-    PreviewScene::prepare();
-  } catch (const zv::Exception& e) {
-    std::cerr << "zvpush: " << e.reason() << "\n";
-    return kFailure;
-  }
   o.settings.scratch = scratch.path;
   if (o.report) {
     o.settings.previews = scratch.path / "previews";
