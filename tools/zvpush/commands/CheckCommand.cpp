@@ -243,7 +243,8 @@ ZVPUSH_COMMAND(
     "  --shard K/N              check only the K-th of N slices of the sorted payloads\n"
     "Findings: payload-reason, inspect's warnings, low-contrast (WCAG 2.1: 4.5:1, 3:1 from\n"
     "24 points or 18.66 bold), truncated-text, upscaled-image, oversized-image,\n"
-    "media-unreachable, media-too-large, media-type-mismatch, unreadable-payload.\n"
+    "media-unreachable, media-too-large, media-type-mismatch; unreadable-payload,\n"
+    "preview-failed, check-failed and check-crashed for a payload that could not be checked.\n"
     "Exit 0 when nothing reaches --fail-on, 1 when something does, 2 for a usage error.\n");
 
 }  // namespace zvpush
