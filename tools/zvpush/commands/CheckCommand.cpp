@@ -106,13 +106,17 @@ Options parse(const Args& given) {
       if (w.empty() || *end || !(width >= 200 && width <= 1024)) {
         throw UsageError("--devices needs widths from 200 to 1024 points, as 320,375");
       }
-      o.settings.widths.push_back(width);
+      // Each device once, in the order given.
+      auto& widths = o.settings.widths;
+      if (std::find(widths.begin(), widths.end(), width) == widths.end()) widths.push_back(width);
     }
   }
   if (auto styles = p.value("--styles")) {
-    o.settings.styles = split(*styles);
-    for (const auto& s : o.settings.styles) {
+    o.settings.styles.clear();
+    for (const auto& s : split(*styles)) {
       if (s != "light" && s != "dark") throw UsageError("--styles takes light, dark or both");
+      auto& chosen = o.settings.styles;
+      if (std::find(chosen.begin(), chosen.end(), s) == chosen.end()) chosen.push_back(s);
     }
     if (o.settings.styles.empty()) throw UsageError("--styles takes light, dark or both");
   }
