@@ -11,7 +11,7 @@ packages=(
   libgif-dev libpng-dev libjpeg62-turbo-dev libwebp-dev
   libavformat-dev libavcodec-dev libavutil-dev libswscale-dev ffmpeg imagemagick
   libgtest-dev libgmock-dev libbenchmark-dev libcpp-httplib-dev clang-format
-  clang libclang-rt-14-dev jq python3 chromium doxygen abigail-tools
+  clang libclang-rt-14-dev jq python3 chromium doxygen abigail-tools libxml2-utils
   dpkg-dev bash-completion zsh fish groff-base
 )
 

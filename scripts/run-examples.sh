@@ -6,7 +6,8 @@
 # whether it is ours, the rich template or why it was dropped, each attachment with its kind and
 # size or why it failed, the report sent) and a closing table. The delivered content
 # (<name>.json) and the previews (<name>.light.png, <name>.dark.png) go to the folder given as
-# second argument (default build/examples).
+# second argument (default build/examples). It ends with the sender's gate over the examples
+# (zvpush check, every device and style): the low-contrast findings and the summary line.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 zvpush=$(realpath "${1:-build/release/tools/zvpush/zvpush}")
@@ -82,3 +83,8 @@ echo "reports received by the endpoint: $reports, carrying $events events"
 record=$(store get zv-app-7f3c21)
 echo "left in the store for the host application: $(grep -c '"received_epoch_val"' <<< "$record" ||
   true) pending notifications, $(grep -c '"EVENT_ACTION"' <<< "$record" || true) unreported events"
+echo
+# The gate exits 1 here on purpose: two examples show a dropped rich push and another sender's push.
+check=$("$zvpush" check examples/*.json --default-content-hidden || true)
+echo "low-contrast findings in either style: $(grep -c '\[low-contrast\]' <<< "$check" || true)"
+tail -n 1 <<< "$check"

@@ -2,7 +2,8 @@
 # Runs the main job (scripts/run-examples.sh) into a temporary folder and checks what it prints: a
 # card per example with what the phone shows, whether it is ours, the rich template or why it was
 # dropped, the attachments and the report, then the closing table, all in under 120 lines; and
-# that every preview was written.
+# that every preview was written; and that it ends with zvpush check's summary over the examples,
+# none of them low in contrast.
 # Usage: check-demo.sh ZVPUSH
 set -euo pipefail
 cd "$(dirname "$0")/../.."
@@ -40,6 +41,8 @@ expect "why missing-title loses its rich push" '^  rich     dropped at zovFeatur
 card not-ours
 expect "not-ours as not ours" '^  ours     no: no "zentrova" dictionary' "$out/card.txt"
 expect "closing table" '^example +ours +template +attachments +report$'
+expect "no low-contrast example" '^low-contrast findings in either style: 0$'
+expect "check summary last" '^zvpush check: 8 payloads, 80 previews: [0-9]+ errors?, [0-9]+ warnings?, [0-9]+ infos?; (fails|passes) \(--fail-on error\)$' <(tail -n 1 "$out/demo.txt")
 expect "reports summary" '^reports received by the endpoint: 7, carrying [0-9]+ events$'
 for f in examples/*.json; do
   name=$(basename "$f" .json)

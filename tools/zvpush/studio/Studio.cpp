@@ -8,9 +8,11 @@
 #include <sstream>
 
 #include "common/ArgParser.h"
+#include "common/DataUrl.h"
 #include "common/JsonIO.h"
 #include "common/LocalHttp.h"
 #include "model/ZVPushPayload.h"
+#include "payload/ContentOnlyFlow.h"
 #include "payload/DeliveredContent.h"
 #include "payload/DownloadExplainer.h"
 #include "payload/PayloadReasons.h"
@@ -20,9 +22,7 @@
 #include "platform/graphics/PngWriter.h"
 #include "platform/net/UrlSession.h"
 #include "platform/net/UrlSessionConfiguration.h"
-#include "platform/notifications/ContentDelivery.h"
 #include "preview/PreviewScene.h"
-#include "reporting/ZVExtensionNetworkManager.h"
 #include "service/ServicePlan.h"
 #include "service/ZVRichNotificationHandler.h"
 #include "zentrova/Exception.h"
@@ -33,7 +33,6 @@
 #include "zentrova/UNNotificationAttachment.h"
 #include "zentrova/UNNotificationRequest.h"
 #include "zentrova/ZVExtensionDataManager.h"
-#include "zentrova/ZVRichNotification.h"
 
 namespace zvpush {
 
@@ -47,26 +46,6 @@ namespace {
 constexpr auto kBudget = std::chrono::seconds(10);
 // The examples name the media server of the README (zvpush serve on port 8765).
 constexpr char kExampleMediaServer[] = "http://127.0.0.1:8765/";
-
-std::string base64(std::string_view bytes) {
-  static const char digits[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-  std::string out;
-  out.reserve((bytes.size() + 2) / 3 * 4);
-  for (std::size_t i = 0; i < bytes.size(); i += 3) {
-    unsigned n = static_cast<unsigned char>(bytes[i]) << 16;
-    if (i + 1 < bytes.size()) n |= static_cast<unsigned char>(bytes[i + 1]) << 8;
-    if (i + 2 < bytes.size()) n |= static_cast<unsigned char>(bytes[i + 2]);
-    out += digits[(n >> 18) & 63];
-    out += digits[(n >> 12) & 63];
-    out += i + 1 < bytes.size() ? digits[(n >> 6) & 63] : '=';
-    out += i + 2 < bytes.size() ? digits[n & 63] : '=';
-  }
-  return out;
-}
-
-std::string dataUrl(const std::string& type, std::string_view bytes) {
-  return "data:" + type + ";base64," + base64(bytes);
-}
 
 double numberOr(const json::object& o, const char* key, double fallback) {
   const json::value* v = o.if_contains(key);
@@ -177,21 +156,11 @@ json::object Studio::preview(const json::object& request) {
   auto configuration = zv::Platform::shared().urlSessionConfiguration();
   configuration.temporaryDirectory = tmp;
   configuration.observer = explainer;
-  auto session = zv::UrlSession::sessionWithConfiguration(configuration);
-  zv::ZVExtensionNetworkManager::sharedManager().setNetworkSession(session);
-  // The first content handed is what the phone would show; later calls (the flow ending after the
-  // budget has delivered, or a guard delivering once more) are ignored, as the phone ignores them.
-  zv::ContentDelivery delivery;
-  zv::ZVRichNotification::getLocalNotificationContentForRequest(notification,
-                                                                delivery.contentHandler());
-  if (!delivery.waitFor(kBudget)) {
-    zv::ZVRichNotification::serviceExtensionTimeWillExpire();
-    out["expired"] = true;
-    delivery.wait();
-  }
-  auto content = delivery.content();
+  auto flow = ContentOnlyFlow::run(notification, configuration, kBudget);
+  if (flow.expired) out["expired"] = true;
+  auto content = flow.content;
   explainer->explain(plan.media, *content, tmp / "Attachments");
-  session->shutdown();
+  flow.session->shutdown();
   out["downloads"] = log.lines();
   json::value described = describeDelivered(*content, id);
   json::value thumbnail = nullptr;
