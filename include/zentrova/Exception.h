@@ -29,6 +29,13 @@ class Exception : public std::exception {
 
   /// An exception of this name and reason, with optional user information (nil by default).
   Exception(std::string name, std::string reason, Value userInfo = {});
+  /// Releases the name, reason and user information.
+  ~Exception() override;
+  /// Copies, as every exception type may be copied when thrown.
+  ///@{
+  Exception(const Exception&) = default;
+  Exception& operator=(const Exception&) = default;
+  ///@}
 
   /// The exception's name (kInvalidArgument, "JSONParseException", ...).
   const std::string& name() const { return name_; }

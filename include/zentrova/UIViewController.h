@@ -28,7 +28,7 @@ class UIViewController {
   /// A controller with no view, unspecified traits and a new extension context.
   UIViewController() = default;
   /// Releases the view and the context.
-  virtual ~UIViewController() = default;
+  virtual ~UIViewController();
 
   /// The controller's view (null when it has none); setting one gives it the controller's traits.
   ///@{

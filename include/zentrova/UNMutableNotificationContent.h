@@ -23,6 +23,8 @@ class UNMutableNotificationContent : public UNNotificationContent {
   UNMutableNotificationContent() = default;
   /// Content of these fields.
   explicit UNMutableNotificationContent(Fields fields) : UNNotificationContent(std::move(fields)) {}
+  /// Releases the fields, as ~UNNotificationContent().
+  ~UNMutableNotificationContent() override;
 
   /// Set the title, subtitle and body (plain text).
   ///@{

@@ -35,7 +35,7 @@ class UNNotificationContent {
   /// Empty content: empty texts, no badge, no sound, an empty user-info dictionary, no attachments.
   UNNotificationContent();
   /// Releases the fields (the shared user-info tree and attachments stay with other holders).
-  virtual ~UNNotificationContent() = default;
+  virtual ~UNNotificationContent();
   UNNotificationContent(const UNNotificationContent&) = delete;
   UNNotificationContent& operator=(const UNNotificationContent&) = delete;
 

@@ -6,6 +6,9 @@
 
 namespace zv {
 
+// Out of line: the library is where the class's vtable and type information live.
+UNMutableNotificationContent::~UNMutableNotificationContent() = default;
+
 void UNMutableNotificationContent::setTitle(std::string title) {
   std::lock_guard lock(mutex_);
   fields_.title = std::move(title);

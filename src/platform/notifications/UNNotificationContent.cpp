@@ -4,6 +4,9 @@
 
 namespace zv {
 
+// Out of line: the library is where the class's vtable and type information live.
+UNNotificationContent::~UNNotificationContent() = default;
+
 UNNotificationContent::UNNotificationContent() { fields_.userInfo = Value(json::object()); }
 
 UNNotificationContent::Fields UNNotificationContent::snapshot() const {
