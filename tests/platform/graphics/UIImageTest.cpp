@@ -63,7 +63,8 @@ TEST(UIImageTest, BadBytesGiveNoImage) {
       {"empty", "", false, false},
       {"text", "hello, world", false, false},
       {"a PNG claiming 100,000 x 100,000 pixels", pngClaiming(100000, 100000), false, false},
-      {"a PNG claiming 4096 x 4097 pixels", pngClaiming(4096, 4097), false, false},
+      {"a PNG claiming 8001 x 8000 pixels (over the source limit)", pngClaiming(8001, 8000), false,
+       false},
       {"a PNG whose pixel data is not zlib", pngClaiming(16, 16), true, false},
       {"a PNG cut in half", png.substr(0, png.size() / 2), true, false},
       {"a JPEG cut short", jpeg.substr(0, jpeg.size() - 100), true, true},  // libjpeg fills it in
