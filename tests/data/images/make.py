@@ -6,7 +6,8 @@ The references come from the source pictures drawn here, never from a decoder: a
 is the upright picture turned the other way and tagged; a P3 or Adobe RGB file holds the picture's
 colours converted by the colour-space formulas below and carries a profile written here; a CMYK
 file is ImageMagick's plain CMYK of the picture. Encoding is ImageMagick's `convert` (JPEG) or
-this script's own PNG writer (to control every chunk). Run once; the output is committed.
+this script's own PNG writer (to control every chunk); cjpeg for arithmetic coding and
+restart markers. Run once; the output is committed.
 
     python3 tests/data/images/make.py
 """
@@ -52,6 +53,15 @@ def convert(rows, name, *options):
     tmp = out("_source.ppm")
     write_ppm(tmp, rows)
     subprocess.run(["convert", tmp, *options, out(name)], check=True)
+    os.remove(tmp)
+
+
+def cjpeg(rows, name, *options):
+    """libjpeg-turbo's own encoder (libjpeg-turbo-progs), for what ImageMagick cannot ask of it."""
+    tmp = out("_source.ppm")
+    write_ppm(tmp, rows)
+    subprocess.run(["cjpeg", "-quality", "95", "-sample", "1x1", *options, "-outfile", out(name),
+                    tmp], check=True)
     os.remove(tmp)
 
 
@@ -236,8 +246,8 @@ def main():
     convert(upright, "ycck.jpg", "-colorspace", "CMYK", "-define", "jpeg:colorspace=5", *jpeg)
     convert(greys, "grey.jpg", "-colorspace", "Gray", *jpeg)
     convert(upright, "progressive.jpg", "-interlace", "JPEG", *jpeg)
-    convert(upright, "arithmetic.jpg", "-define", "jpeg:arithmetic-coding=true", *jpeg)
-    convert(upright, "restart.jpg", "-define", "jpeg:restart-interval=1", *jpeg)
+    cjpeg(upright, "arithmetic.jpg", "-arithmetic")
+    cjpeg(upright, "restart.jpg", "-restart", "1B")  # a restart marker after every block
     convert(picture(COLOURS, 64, 64), "_tall.jpg", *jpeg)
     with open(out("_tall.jpg"), "rb") as f:
         tall = f.read()
