@@ -34,15 +34,25 @@ struct ErrorManager {
 }
 void onMessage(j_common_ptr, int) {}  // warnings about damaged data are not printed
 
+// A progressive JPEG may hold any number of scans, each a pass over the whole image: more than a
+// photo's encoder writes (ten or so) are refused, so a small hostile file cannot cost minutes.
+constexpr int kMaxScans = 100;
+void onProgress(j_common_ptr info) {
+  auto* d = reinterpret_cast<j_decompress_ptr>(info);
+  if (d->is_decompressor && d->input_scan_number > kMaxScans) onError(info);
+}
+
 struct Decompressor {
   jpeg_decompress_struct info{};
   ErrorManager errors{};
+  jpeg_progress_mgr progress{};
   JOCTET* icc = nullptr;  // malloc'ed by libjpeg
   unsigned int iccSize = 0;
   Decompressor() {
     info.err = jpeg_std_error(&errors.base);
     errors.base.error_exit = onError;
     errors.base.emit_message = onMessage;
+    progress.progress_monitor = onProgress;
   }
   ~Decompressor() {
     jpeg_destroy_decompress(&info);
@@ -60,7 +70,8 @@ int orientationOf(const jpeg_decompress_struct& info) {
 
 bool readJpegHeader(Decompressor& d, std::string_view bytes) {
   if (setjmp(d.errors.jump)) return false;
-  jpeg_create_decompress(&d.info);
+  jpeg_create_decompress(&d.info);  // clears all but the error manager
+  d.info.progress = &d.progress;
   // Bounds what a hostile file can make libjpeg hold (no backing store: over it is an error).
   d.info.mem->max_memory_to_use = ImageDecoder::kMaxJpegWorkBytes;
   jpeg_mem_src(&d.info, reinterpret_cast<const unsigned char*>(bytes.data()),
