@@ -7,7 +7,7 @@ is the upright picture turned the other way and tagged; a P3 or Adobe RGB file h
 colours converted by the colour-space formulas below and carries a profile written here; a CMYK
 file is ImageMagick's plain CMYK of the picture. Encoding is ImageMagick's `convert` (JPEG) or
 this script's own PNG writer (to control every chunk); cjpeg for arithmetic coding and
-restart markers. Run once; the output is committed.
+restart markers; cmyk_writer.c for plain CMYK. Run once; the output is committed.
 
     python3 tests/data/images/make.py
 """
@@ -63,6 +63,24 @@ def cjpeg(rows, name, *options):
     subprocess.run(["cjpeg", "-quality", "95", "-sample", "1x1", *options, "-outfile", out(name),
                     tmp], check=True)
     os.remove(tmp)
+
+
+def cmyk_jpeg(rows, name, adobe):
+    """Plain CMYK (no YCCK transform): ink from 0 up, or inverted under Adobe's marker."""
+    raw = bytearray()
+    for row in rows:
+        for r, g, b, _ in row:
+            k = 1 - max(r, g, b) / 255
+            ink = [0 if k >= 1 else (1 - v / 255 - k) / (1 - k) for v in (r, g, b)] + [k]
+            raw += bytes(round(255 * (1 - i if adobe else i)) for i in ink)
+    tool = out("_cmyk_writer")
+    subprocess.run(["cc", "-O2", "-o", tool, out("cmyk_writer.c"), "-ljpeg"], check=True)
+    with open(out("_cmyk.raw"), "wb") as f:
+        f.write(raw)
+    subprocess.run([tool, str(len(rows[0])), str(len(rows)), out("_cmyk.raw"), out(name),
+                    "1" if adobe else "0"], check=True)
+    os.remove(tool)
+    os.remove(out("_cmyk.raw"))
 
 
 # --- PNG, chunk by chunk ---------------------------------------------------------------------
@@ -242,8 +260,10 @@ def main():
               [bytes(c for p in r for c in p[:3]) for r in rows],
               extra=[(b"eXIf", exif(6))])
 
-    convert(upright, "cmyk.jpg", "-colorspace", "CMYK", *jpeg)
-    convert(upright, "ycck.jpg", "-colorspace", "CMYK", "-define", "jpeg:colorspace=5", *jpeg)
+    # ImageMagick stores CMYK as YCCK with Adobe's marker (values inverted, as Photoshop does).
+    convert(upright, "ycck.jpg", "-colorspace", "CMYK", *jpeg)
+    cmyk_jpeg(upright, "cmyk.jpg", adobe=False)
+    cmyk_jpeg(upright, "cmyk-adobe.jpg", adobe=True)
     convert(greys, "grey.jpg", "-colorspace", "Gray", *jpeg)
     convert(upright, "progressive.jpg", "-interlace", "JPEG", *jpeg)
     cjpeg(upright, "arithmetic.jpg", "-arithmetic")

@@ -62,6 +62,7 @@ TEST(ImageDecoderTest, EachFlavourMatchesItsReference) {
       {"orient5.jpg", "ref_colours.pam", 6},     {"orient6.jpg", "ref_colours.pam", 6},
       {"orient7.jpg", "ref_colours.pam", 6},     {"orient8.jpg", "ref_colours.pam", 6},
       {"orient6.png", "ref_colours.pam", 0},     {"ycck.jpg", "ref_colours.pam", 8},
+      {"cmyk.jpg", "ref_colours.pam", 8},        {"cmyk-adobe.jpg", "ref_colours.pam", 8},
       {"grey.jpg", "ref_greys.pam", 4},          {"arithmetic.jpg", "ref_colours.pam", 6},
       {"restart.jpg", "ref_colours.pam", 6},     {"progressive.jpg", "ref_colours.pam", 6},
       {"truncated.jpg", "ref_tall.pam", 6, 16},  {"p3.jpg", "ref_colours.pam", 8},
