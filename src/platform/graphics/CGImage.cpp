@@ -1,5 +1,7 @@
 #include "zentrova/platform/graphics/CGImage.h"
 
+#include <algorithm>
+
 namespace zv {
 
 std::shared_ptr<CGImage> CGImage::withPixels(std::shared_ptr<const PixelBuffer> pixels) {
@@ -26,6 +28,13 @@ std::shared_ptr<const PixelBuffer> CGImage::pixels(int width, int height) const 
   bool covered = decoded_ && (!provider_ || (keptWidth_ == 0 && keptHeight_ == 0) ||
                               (width != 0 && width <= keptWidth_ && height <= keptHeight_));
   if (covered) return kept_;
+  if (decoded_ && width != 0) {
+    // Drawn larger than before: a quarter more than asked, so that a view growing a little at a
+    // time does not decode on every frame.
+    width = std::max(width, keptWidth_ + keptWidth_ / 4);
+    height = std::max(height, keptHeight_ + keptHeight_ / 4);
+    if (width >= width_ || height >= height_) width = height = 0;
+  }
   kept_ = nullptr;  // the smaller pixels go before the larger ones are made
   kept_ = provider_(width, height);
   keptWidth_ = width;

@@ -116,5 +116,26 @@ TEST(ImageDecoderTest, DecodesAtTheSizeAskedFor) {
   }
 }
 
+// An image keeps the pixels of the size it was drawn at and decodes again only to be drawn larger.
+TEST(ImageDecoderTest, KeepsThePixelsOfTheLargestSizeDrawn) {
+  auto image = UIImage::imageWithContentsOfFile(data("orient6.jpg"));
+  ASSERT_TRUE(image);
+  struct Step {
+    int width, height;
+    int decodedWidth;
+    bool again;  // decoded again rather than kept
+  } steps[] = {{8, 4, 8, true},   {4, 2, 8, false},  {8, 4, 8, false},  {12, 6, 12, true},
+               {0, 0, 12, false}, {13, 6, 15, true}, {64, 32, 32, true}};
+  std::shared_ptr<const PixelBuffer> last;
+  for (const auto& s : steps) {
+    auto pixels =
+        s.width ? image->cgImage()->pixels(s.width, s.height) : image->cgImage()->pixels();
+    ASSERT_TRUE(pixels);
+    EXPECT_EQ(pixels->width, s.decodedWidth) << s.width;
+    EXPECT_EQ(pixels != last, s.again) << s.width;
+    last = pixels;
+  }
+}
+
 }  // namespace
 }  // namespace zv
