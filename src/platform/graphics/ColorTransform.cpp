@@ -124,9 +124,7 @@ void matrixShaperTables(cmsHPROFILE source, cmsHPROFILE srgb, ColorTransform::Ha
 }
 
 std::shared_ptr<const ColorTransform> make(cmsHPROFILE source, ColorTransform::Layout layout) {
-  cmsColorSpaceSignature space = cmsGetColorSpace(source);
   bool cmyk = layout != ColorTransform::Layout::kBgra;
-  if (space != (cmyk ? cmsSigCmykData : cmsSigRgbData)) return nullptr;
   if (!cmyk && isSrgb(source)) return nullptr;
   Profile srgb(cmsCreate_sRGBProfile());
   cmsUInt32Number in = layout == ColorTransform::Layout::kBgra   ? TYPE_BGRA_8
@@ -158,6 +156,9 @@ void silenceLittleCms() {
 std::shared_ptr<const ColorTransform> ColorTransform::fromIcc(std::string_view profile,
                                                               Layout layout) {
   if (profile.size() < 128 || profile.size() > kMaxProfileBytes) return nullptr;
+  // The colour space, from the header's bytes 16 to 19 (lcms would give it as an enum, whatever
+  // value a damaged file holds): RGB pixels need an RGB profile, CMYK ones a CMYK profile.
+  if (profile.substr(16, 4) != (layout == Layout::kBgra ? "RGB " : "CMYK")) return nullptr;
   silenceLittleCms();
   std::uint64_t key = fnv1a(profile) ^ (static_cast<std::uint64_t>(layout) + 1);
   return cached(key, [&]() -> std::shared_ptr<const ColorTransform> {
