@@ -50,9 +50,9 @@ class ImageDecoder {
   // 64 megapixels: an 8000 x 6000 camera photo with room to spare. Larger files are refused.
   static constexpr std::size_t kMaxSourcePixels = 64u * 1000 * 1000;
   static constexpr int kMaxSide = 65535;
-  // What libjpeg may hold while it decodes (a progressive JPEG's coefficients: 3 bytes a pixel
-  // for a typical photo, so about 21 megapixels).
-  static constexpr long kMaxJpegWorkBytes = 64l << 20;
+  // What libjpeg may hold while it decodes: a progressive JPEG keeps every coefficient, 3 bytes a
+  // pixel for a photo's usual 4:2:0 sampling, so up to about 26 megapixels (a 6000 x 4000 one).
+  static constexpr long kMaxJpegWorkBytes = 80l << 20;
 
   static ImageFormat sniff(std::string_view bytes);
   // The format and upright pixel size; nullopt for another format, a damaged header or a size
