@@ -13,6 +13,7 @@
 #include <cstring>
 #include <vector>
 // jpeglib.h needs size_t and FILE declared first.
+#include <jerror.h>
 #include <jpeglib.h>
 
 #include "zentrova/platform/graphics/ColorTransform.h"
@@ -27,12 +28,17 @@ namespace {
 struct ErrorManager {
   jpeg_error_mgr base;
   std::jmp_buf jump;
+  bool endOfData = false;  // the data ran out: libjpeg fills the rest with grey
 };
 
 [[noreturn]] void onError(j_common_ptr info) {
   std::longjmp(reinterpret_cast<ErrorManager*>(info->err)->jump, 1);
 }
-void onMessage(j_common_ptr, int) {}  // warnings about damaged data are not printed
+// Warnings about damaged data are not printed; the end of the data is noted.
+void onMessage(j_common_ptr info, int level) {
+  if (level < 0 && info->err->msg_code == JWRN_JPEG_EOF)
+    reinterpret_cast<ErrorManager*>(info->err)->endOfData = true;
+}
 
 // A progressive JPEG may hold any number of scans, each a pass over the whole image: more than a
 // photo's encoder writes (ten or so) are refused, so a small hostile file cannot cost minutes.
@@ -124,6 +130,10 @@ int readJpegRows(Decompressor& d, const Output& out) {
       out.transform->apply(out.row, out.row, width);
     }
     out.resampler->addRow(out.row);
+    // A file cut short shows what it holds: one scan's rows stop where its data does (the rows
+    // past it would be grey, and a small file claiming a huge size would cost their decoding);
+    // a progressive file's scans have all been read by now and give the whole picture, blurred.
+    if (d.errors.endOfData && !jpeg_has_multiple_scans(&d.info)) return -1;
   }
   jpeg_finish_decompress(&d.info);
   return static_cast<int>(d.info.output_height);
