@@ -52,7 +52,7 @@ for name in small large huge progressive; do
   ms[$name]=$(median_ms "$work/$name.json")
   size=$(identify -format '%wx%h' "$work/$name.jpg")
   bytes=$(stat -c %s "$work/$name.jpg")
-  echo -n "media $size ($((bytes / 1024)) kB): ${ms[$name]} ms; "
+  echo -n "media $name $size ($((bytes / 1024)) kB): ${ms[$name]} ms; "
   python3 bench/peak_memory.py "$zvpush" preview "$work/$name.json" -o "$work/p.png"
   # The image must be there: its view's frame in the tree.
   "$zvpush" preview "$work/$name.json" -o "$work/$name.png" --tree "$work/$name.tree.json" \
