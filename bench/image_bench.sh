@@ -61,22 +61,5 @@ for name in small large huge progressive; do
 done
 python3 -c "print(f'time 6000x4000 / 1500x1000: {${ms[large]} / max(${ms[small]}, 1):.2f} (goal <= 2)')"
 
-cards="" attachments=""
-for i in 1 2 3 4 5; do
-  photo 4000 3000 "$work/card$i.jpg"
-  url="https://cdn.example.com/card$i.jpg"
-  id=$(printf '%s' "$url" | md5sum | cut -d' ' -f1)
-  [ -n "$cards" ] && cards="$cards," && attachments="$attachments,"
-  cards="$cards{\"id\":$i,\"widgets\":[{\"id\":1,\"type\":\"image\",\"content\":\"$url\"}]}"
-  attachments="$attachments{\"identifier\":\"$id\",\"url\":\"file://$work/card$i.jpg\"}"
-done
-cat > "$work/carousel.json" <<JSON
-{"identifier": "bench", "attachments": [$attachments],
- "userInfo": {"aps": {"alert": "a"}, "zentrova": {"cid": "c", "app_id": "a"},
-  "zovFeatures": {"richPush": {"title": "Five cards", "body": "Bench", "displayName": "b",
-   "expanded": {"type": "imageCarousel", "autoStart": true, "cards": [$cards]}}}}}
-JSON
-for at in 0 3.04; do
-  echo -n "carousel of five 4000x3000 photos at $at s: "
-  python3 bench/peak_memory.py "$zvpush" preview "$work/carousel.json" -o "$work/p.png" --at "$at"
-done
+echo "carousel of five 4000 x 3000 photos:"
+bash bench/preview_bench.sh "$build" 4000x3000

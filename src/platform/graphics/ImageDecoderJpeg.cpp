@@ -28,7 +28,7 @@ namespace {
 struct ErrorManager {
   jpeg_error_mgr base;
   std::jmp_buf jump;
-  bool endOfData = false;  // the data ran out: libjpeg fills the rest with grey
+  bool endOfData = false;  // the data ran out or a marker cut it: libjpeg fills the rest with grey
 };
 
 [[noreturn]] void onError(j_common_ptr info) {
@@ -36,7 +36,7 @@ struct ErrorManager {
 }
 // Warnings about damaged data are not printed; the end of the data is noted.
 void onMessage(j_common_ptr info, int level) {
-  if (level < 0 && info->err->msg_code == JWRN_JPEG_EOF)
+  if (level < 0 && (info->err->msg_code == JWRN_JPEG_EOF || info->err->msg_code == JWRN_HIT_MARKER))
     reinterpret_cast<ErrorManager*>(info->err)->endOfData = true;
 }
 
