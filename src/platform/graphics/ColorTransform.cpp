@@ -108,10 +108,14 @@ void matrixShaperTables(cmsHPROFILE source, cmsHPROFILE srgb, ColorTransform::Ha
     }
   }
   for (int i = 0; i < 3; ++i) {
+    // A row's weights may add up to at most 7 (ProPhoto's reach 3): a sum of three 16-bit lights
+    // times them stays within 31 bits. Stranger profiles go through lcms.
+    double weight = 0;
     for (int j = 0; j < 3; ++j) {
       double sum = 0;
       for (int k = 0; k < 3; ++k) sum += toInverse[i][k] * from[k][j];
-      if (std::abs(sum) > 8) return;
+      weight += std::abs(sum);
+      if (!(weight <= 7)) return;
       h.matrix[i][j] = static_cast<std::int32_t>(std::lround(sum * 4096));
     }
   }
