@@ -27,7 +27,7 @@ struct ColorTransform::Handle {
   bool matrixShaper = false;
   std::array<std::array<std::int32_t, 256>, 3> linear{};  // 0 to 65535
   std::array<std::array<std::int32_t, 3>, 3> matrix{};    // 4096 = 1
-  std::array<std::uint8_t, 4096> encode{};                // by linear light / 16
+  std::array<std::int32_t, 4096> encode{};                // by linear light / 16
 };
 
 namespace {
@@ -122,7 +122,7 @@ void matrixShaperTables(cmsHPROFILE source, cmsHPROFILE srgb, ColorTransform::Ha
   for (int i = 0; i < 4096; ++i) {
     double l = (i * 16 + 8) / 65535.0;
     double v = l <= 0.0031308 ? 12.92 * l : 1.055 * std::pow(l, 1 / 2.4) - 0.055;
-    h.encode[i] = static_cast<std::uint8_t>(std::lround(std::clamp(v, 0.0, 1.0) * 255));
+    h.encode[i] = static_cast<std::int32_t>(std::lround(std::clamp(v, 0.0, 1.0) * 255));
   }
   h.matrixShaper = true;
 }
@@ -153,6 +153,30 @@ std::shared_ptr<const ColorTransform> make(cmsHPROFILE source, ColorTransform::L
 void silenceLittleCms() {
   static std::once_flag once;
   std::call_once(once, [] { cmsSetLogErrorHandler(nullptr); });
+}
+
+// The table conversion, in a loop simple enough for the compiler to vectorise: with AVX2 (chosen
+// when the processor has it) the table reads become gathers, eight pixels at a time.
+__attribute__((target_clones("avx2", "default"))) void convertMatrixShaper(
+    const std::uint32_t* __restrict from, std::uint32_t* __restrict out, int pixels,
+    const std::int32_t* __restrict lr, const std::int32_t* __restrict lg,
+    const std::int32_t* __restrict lb, const std::int32_t* __restrict matrix,
+    const std::int32_t* __restrict encode) {
+  const std::int32_t m0 = matrix[0], m1 = matrix[1], m2 = matrix[2], m3 = matrix[3], m4 = matrix[4],
+                     m5 = matrix[5], m6 = matrix[6], m7 = matrix[7], m8 = matrix[8];
+  for (int i = 0; i < pixels; ++i) {
+    const std::uint32_t p = from[i];
+    const std::int32_t r = lr[(p >> 16) & 0xFF], g = lg[(p >> 8) & 0xFF], b = lb[p & 0xFF];
+    // To steps of 1/4096 of linear light.
+    std::int32_t x = (m0 * r + m1 * g + m2 * b) >> 16;
+    std::int32_t y = (m3 * r + m4 * g + m5 * b) >> 16;
+    std::int32_t z = (m6 * r + m7 * g + m8 * b) >> 16;
+    x = x < 0 ? 0 : x > 4095 ? 4095 : x;
+    y = y < 0 ? 0 : y > 4095 ? 4095 : y;
+    z = z < 0 ? 0 : z > 4095 ? 4095 : z;
+    out[i] = (p & 0xFF000000u) | (static_cast<std::uint32_t>(encode[x]) << 16) |
+             (static_cast<std::uint32_t>(encode[y]) << 8) | static_cast<std::uint32_t>(encode[z]);
+  }
 }
 
 }  // namespace
@@ -212,25 +236,9 @@ void ColorTransform::cmykToArgb(const std::uint8_t* in, std::uint32_t* out, int 
 
 void ColorTransform::apply(const void* in, std::uint32_t* out, int pixels) const {
   if (handle_->matrixShaper) {
-    // Copied to locals: the output words may alias the tables (int32 and uint32), which would
-    // otherwise be read again after every store.
     const Handle& h = *handle_;
-    const std::array<std::array<std::int32_t, 3>, 3> m = h.matrix;
-    const std::int32_t* lr = h.linear[0].data();
-    const std::int32_t* lg = h.linear[1].data();
-    const std::int32_t* lb = h.linear[2].data();
-    const std::uint8_t* encode = h.encode.data();
-    const auto* from = static_cast<const std::uint32_t*>(in);
-    for (int i = 0; i < pixels; ++i) {
-      const std::uint32_t p = from[i];
-      const std::int32_t r = lr[(p >> 16) & 0xFF], g = lg[(p >> 8) & 0xFF], b = lb[p & 0xFF];
-      std::uint32_t c[3];
-      for (int k = 0; k < 3; ++k) {
-        std::int32_t l = (m[k][0] * r + m[k][1] * g + m[k][2] * b) >> 16;  // to 1/4096 steps
-        c[k] = encode[std::clamp(l, 0, 4095)];
-      }
-      out[i] = (p & 0xFF000000u) | (c[0] << 16) | (c[1] << 8) | c[2];
-    }
+    convertMatrixShaper(static_cast<const std::uint32_t*>(in), out, pixels, h.linear[0].data(),
+                        h.linear[1].data(), h.linear[2].data(), &h.matrix[0][0], h.encode.data());
     return;
   }
   if (layout_ != Layout::kBgra) {
