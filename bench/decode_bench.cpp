@@ -11,7 +11,7 @@
 #include <memory>
 #include <string>
 
-#include "zentrova/platform/graphics/ImageDecoder.h"
+#include "platform/graphics/ImageDecoder.h"
 
 namespace {
 

@@ -5,8 +5,8 @@
 #include <cstdlib>
 
 #include "FuzzInput.h"
-#include "zentrova/platform/graphics/ImageDecoder.h"
-#include "zentrova/platform/graphics/UIImage.h"
+#include "platform/graphics/ImageDecoder.h"
+#include "platform/graphics/UIImage.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   auto image = zv::UIImage::imageWithData(zvfuzz::text(data, size));

@@ -1,11 +1,11 @@
 #include <filesystem>
 
 #include "templates/TemplateFixture.h"
-#include "zentrova/platform/foundation/SystemVersion.h"
-#include "zentrova/platform/foundation/Url.h"
-#include "zentrova/platform/media/AVPlayerLayer.h"
-#include "zentrova/platform/ui/UITapGestureRecognizer.h"
-#include "zentrova/templates/ZVPushMediaView.h"
+#include "platform/foundation/SystemVersion.h"
+#include "zentrova/Url.h"
+#include "platform/media/AVPlayerLayer.h"
+#include "platform/ui/UITapGestureRecognizer.h"
+#include "templates/ZVPushMediaView.h"
 
 namespace zvtest {
 namespace {

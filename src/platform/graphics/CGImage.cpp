@@ -1,4 +1,4 @@
-#include "zentrova/platform/graphics/CGImage.h"
+#include "platform/graphics/CGImage.h"
 
 #include <algorithm>
 

@@ -10,7 +10,7 @@
 #include <memory>
 
 #include "zentrova/Export.h"
-#include "zentrova/platform/graphics/PixelBuffer.h"
+#include "platform/graphics/PixelBuffer.h"
 
 ZENTROVA_API_BEGIN
 

@@ -1,10 +1,10 @@
-#include "zentrova/platform/graphics/CGImageSource.h"
+#include "platform/graphics/CGImageSource.h"
 
 #include <fstream>
 #include <iterator>
 
-#include "zentrova/platform/graphics/GifDecoder.h"
-#include "zentrova/platform/graphics/ImageDecoder.h"
+#include "platform/graphics/GifDecoder.h"
+#include "platform/graphics/ImageDecoder.h"
 
 namespace zv {
 

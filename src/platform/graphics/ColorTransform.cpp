@@ -1,4 +1,4 @@
-#include "zentrova/platform/graphics/ColorTransform.h"
+#include "platform/graphics/ColorTransform.h"
 
 #include <lcms2.h>
 
@@ -12,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-#include "zentrova/platform/foundation/UniqueHandle.h"
+#include "platform/foundation/UniqueHandle.h"
 
 namespace zv {
 

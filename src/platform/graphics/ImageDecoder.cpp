@@ -1,9 +1,9 @@
-#include "zentrova/platform/graphics/ImageDecoder.h"
+#include "platform/graphics/ImageDecoder.h"
 
 #include <algorithm>
 #include <cmath>
 
-#include "zentrova/platform/graphics/GifDecoder.h"
+#include "platform/graphics/GifDecoder.h"
 
 namespace zv {
 

@@ -24,7 +24,7 @@
 #include <string_view>
 
 #include "zentrova/Export.h"
-#include "zentrova/platform/graphics/PixelBuffer.h"
+#include "platform/graphics/PixelBuffer.h"
 
 ZENTROVA_API_BEGIN
 

@@ -16,10 +16,10 @@
 #include <jerror.h>
 #include <jpeglib.h>
 
-#include "zentrova/platform/graphics/ColorTransform.h"
-#include "zentrova/platform/graphics/ImageDecoder.h"
-#include "zentrova/platform/graphics/ImageOrientation.h"
-#include "zentrova/platform/graphics/Resampler.h"
+#include "platform/graphics/ColorTransform.h"
+#include "platform/graphics/ImageDecoder.h"
+#include "platform/graphics/ImageOrientation.h"
+#include "platform/graphics/Resampler.h"
 
 namespace zv {
 

@@ -11,10 +11,10 @@
 #include <cstring>
 #include <vector>
 
-#include "zentrova/platform/graphics/ColorTransform.h"
-#include "zentrova/platform/graphics/ImageDecoder.h"
-#include "zentrova/platform/graphics/ImageOrientation.h"
-#include "zentrova/platform/graphics/Resampler.h"
+#include "platform/graphics/ColorTransform.h"
+#include "platform/graphics/ImageDecoder.h"
+#include "platform/graphics/ImageOrientation.h"
+#include "platform/graphics/Resampler.h"
 
 namespace zv {
 

@@ -1,11 +1,11 @@
-#include "zentrova/platform/graphics/ImageOrientation.h"
+#include "platform/graphics/ImageOrientation.h"
 
 #include <libexif/exif-data.h>
 
 #include <cstring>
 #include <vector>
 
-#include "zentrova/platform/foundation/UniqueHandle.h"
+#include "platform/foundation/UniqueHandle.h"
 
 namespace zv {
 

@@ -7,7 +7,7 @@
 #include <cstddef>
 #include <memory>
 
-#include "zentrova/platform/graphics/PixelBuffer.h"
+#include "platform/graphics/PixelBuffer.h"
 
 namespace zv {
 

@@ -1,4 +1,4 @@
-#include "zentrova/platform/graphics/Resampler.h"
+#include "platform/graphics/Resampler.h"
 
 #include <algorithm>
 #include <cmath>

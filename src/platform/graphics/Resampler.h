@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "zentrova/platform/graphics/PixelBuffer.h"
+#include "platform/graphics/PixelBuffer.h"
 
 namespace zv {
 

@@ -1,9 +1,9 @@
-#include "zentrova/platform/graphics/UIImage.h"
+#include "platform/graphics/UIImage.h"
 
 #include <fstream>
 #include <iterator>
 
-#include "zentrova/platform/graphics/ImageDecoder.h"
+#include "platform/graphics/ImageDecoder.h"
 
 namespace zv {
 

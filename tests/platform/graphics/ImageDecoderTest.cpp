@@ -4,8 +4,8 @@
 #include <sstream>
 
 #include "support/TestSupport.h"
-#include "zentrova/platform/graphics/ImageDecoder.h"
-#include "zentrova/platform/graphics/UIImage.h"
+#include "platform/graphics/ImageDecoder.h"
+#include "platform/graphics/UIImage.h"
 
 namespace zv {
 namespace {

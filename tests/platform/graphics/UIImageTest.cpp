@@ -3,7 +3,7 @@
 #include <filesystem>
 
 #include "support/TestSupport.h"
-#include "zentrova/platform/graphics/UIImage.h"
+#include "platform/graphics/UIImage.h"
 
 namespace zv {
 namespace {
