@@ -25,7 +25,7 @@ pkg_check_modules(ZV_MAGIC REQUIRED IMPORTED_TARGET libmagic)
 # The content library.
 pkg_check_modules(ZV_PANGO REQUIRED IMPORTED_TARGET pangocairo pangoft2 fontconfig cairo)
 pkg_check_modules(ZV_IMAGES REQUIRED IMPORTED_TARGET libpng libjpeg libwebp libwebpdemux
-                  libwebpmux)
+                  libwebpmux lcms2 libexif)
 if(NOT zentrova_FIND_FOR_CONSUMER)
   # Headers only: the content library loads FFmpeg's libraries when it first plays a clip.
   pkg_check_modules(ZV_FFMPEG REQUIRED libavformat libavcodec libavutil libswscale)

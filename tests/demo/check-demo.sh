@@ -38,12 +38,15 @@ attached=$(grep -cE '^  media    card[123].png: HTTP 200, [0-9]+ bytes in .*atta
 expect "carousel template" "^  rich     imageCarousel" "$out/card.txt"
 card missing-title
 expect "why missing-title loses its rich push" '^  rich     dropped at zovFeatures.richPush.title: "title" is missing' "$out/card.txt"
+card camera
+# The photo is stored on its side; upright it is 640 x 427: 250 points high under 70 of text.
+expect "the camera photo upright" '^  preview  media view, 375x320\.[0-9]+ points' "$out/card.txt"
 card not-ours
 expect "not-ours as not ours" '^  ours     no: no "zentrova" dictionary' "$out/card.txt"
 expect "closing table" '^example +ours +template +attachments +report$'
 expect "no low-contrast example" '^low-contrast findings in either style: 0$'
-expect "check summary last" '^zvpush check: 8 payloads, 80 previews: [0-9]+ errors?, [0-9]+ warnings?, [0-9]+ infos?; (fails|passes) \(--fail-on error\)$' <(tail -n 1 "$out/demo.txt")
-expect "reports summary" '^reports received by the endpoint: 7, carrying [0-9]+ events$'
+expect "check summary last" '^zvpush check: 9 payloads, 90 previews: [0-9]+ errors?, [0-9]+ warnings?, [0-9]+ infos?; (fails|passes) \(--fail-on error\)$' <(tail -n 1 "$out/demo.txt")
+expect "reports summary" '^reports received by the endpoint: 8, carrying [0-9]+ events$'
 for f in examples/*.json; do
   name=$(basename "$f" .json)
   [ "$name" = not-ours ] && continue

@@ -26,6 +26,9 @@ class ZVPushMediaViewTest : public TemplateFixture {
     if (type) zentrova["media-type"] = *type;
     return json::object{{"aps", json::object{{"alert", "hi"}}}, {"zentrova", zentrova}};
   }
+  static std::string photo(const std::string& name) {
+    return readFile(std::string(ZV_SOURCE_DIR "/tests/data/images/") + name);
+  }
   std::shared_ptr<zv::UIViewController> controller;
 };
 
@@ -59,6 +62,21 @@ TEST_F(ZVPushMediaViewTest, HeightsAndTapsByKindOfMedia) {
        1,
        false},
       {"an image without attachment", plain(image, "image"), {}, 0, false, 1, false},
+      // 32 x 16 upright; the second is stored 16 x 32 and tagged to turn a quarter clockwise.
+      {"an upright photo",
+       plain(image, "image"),
+       {{image, photo("orient1.jpg")}},
+       187.5,
+       false,
+       1,
+       false},
+      {"a photo turned by its EXIF orientation has its upright twin's height",
+       plain(image, "image"),
+       {{image, photo("orient6.jpg")}},
+       187.5,
+       false,
+       1,
+       false},
       {"a video", plain(clip, "video"), {{clip, clipBytes}}, 220, true, 0, true},
       {"\"Image\" is a clip", plain(clip, "Image"), {{clip, clipBytes}}, 220, true, 0, true},
       {"a clip without attachment keeps the square", plain(clip, "video"), {}, 375, true, 0, false},

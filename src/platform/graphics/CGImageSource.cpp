@@ -23,7 +23,11 @@ std::shared_ptr<CGImageSource> CGImageSource::createWithData(
   auto header = ImageDecoder::readHeader(*data);
   if (!header) return nullptr;
   auto still = CGImage::lazy(
-      header->width, header->height, [data] { return ImageDecoder::decode(data); }, true);
+      header->width, header->height,
+      [data](int w, int h) {
+        return ImageDecoder::decode(data, {w, h});
+      },
+      true);
   return std::make_shared<CGImageSource>(std::move(still));
 }
 
@@ -42,7 +46,8 @@ std::shared_ptr<CGImage> CGImageSource::createImageAtIndex(std::size_t index) co
   if (index >= gif_->frames().size()) return nullptr;
   // Composited again each time it is drawn; the decoder keeps only its one canvas.
   return CGImage::lazy(
-      gif_->width(), gif_->height(), [gif = gif_, index] { return gif->composite(index); }, false);
+      gif_->width(), gif_->height(),
+      [gif = gif_, index](int, int) { return gif->composite(index); }, false);
 }
 
 Value CGImageSource::copyPropertiesAtIndex(std::size_t index) const {

@@ -43,10 +43,18 @@ void setColor(cairo_t* cr, const Color& c) {
   cairo_set_source_rgba(cr, c.red, c.green, c.blue, c.alpha);
 }
 
-// Paints an image's pixels into rect (points), scaled to fill it.
+// Paints an image's pixels into rect (points), scaled to fill it. The image is decoded at the
+// pixel size rect covers on the surface (its points times the scale), not at its own.
 void paintImage(cairo_t* cr, const CGImage& image, const CGRect& rect) {
-  auto pixels = image.pixels();
-  if (!pixels || rect.size.width <= 0 || rect.size.height <= 0) return;
+  if (rect.size.width <= 0 || rect.size.height <= 0) return;
+  double dx = rect.size.width, dy = 0, ex = 0, ey = rect.size.height;
+  cairo_user_to_device_distance(cr, &dx, &dy);
+  cairo_user_to_device_distance(cr, &ex, &ey);
+  auto wanted = [](double x, double y) {
+    return static_cast<int>(std::clamp(std::ceil(std::hypot(x, y)), 1.0, 1e6));
+  };
+  auto pixels = image.pixels(wanted(dx, dy), wanted(ex, ey));
+  if (!pixels) return;
   auto* data = reinterpret_cast<unsigned char*>(const_cast<std::uint32_t*>(pixels->data.data()));
   UniqueHandle<cairo_surface_t, cairo_surface_destroy> surface(cairo_image_surface_create_for_data(
       data, CAIRO_FORMAT_ARGB32, pixels->width, pixels->height, pixels->width * 4));

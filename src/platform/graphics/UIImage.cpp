@@ -12,7 +12,11 @@ std::shared_ptr<UIImage> UIImage::imageWithData(std::shared_ptr<const std::strin
   auto header = ImageDecoder::readHeader(*data);
   if (!header) return nullptr;
   auto image = CGImage::lazy(
-      header->width, header->height, [data] { return ImageDecoder::decode(data); }, true);
+      header->width, header->height,
+      [data](int w, int h) {
+        return ImageDecoder::decode(data, {w, h});
+      },
+      true);
   return imageWithCGImage(std::move(image));
 }
 

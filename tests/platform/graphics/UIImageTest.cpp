@@ -14,6 +14,10 @@ fs::path data(const std::string& name) {
   return fs::path(ZV_SOURCE_DIR) / "tests/data/graphics" / name;
 }
 
+fs::path seed(const std::string& name) {
+  return fs::path(ZV_SOURCE_DIR) / "fuzz/seeds/image" / name;
+}
+
 // A PNG whose header claims the given size, followed by pixel data that is not zlib.
 std::string pngClaiming(uint32_t width, uint32_t height);
 
@@ -63,12 +67,18 @@ TEST(UIImageTest, BadBytesGiveNoImage) {
       {"empty", "", false, false},
       {"text", "hello, world", false, false},
       {"a PNG claiming 100,000 x 100,000 pixels", pngClaiming(100000, 100000), false, false},
-      {"a PNG claiming 4096 x 4097 pixels", pngClaiming(4096, 4097), false, false},
+      {"a PNG claiming 8001 x 8000 pixels (over the source limit)", pngClaiming(8001, 8000), false,
+       false},
       {"a PNG whose pixel data is not zlib", pngClaiming(16, 16), true, false},
       {"a PNG cut in half", png.substr(0, png.size() / 2), true, false},
       {"a JPEG cut short", jpeg.substr(0, jpeg.size() - 100), true, true},  // libjpeg fills it in
       {"a JPEG without its header", jpeg.substr(20), false, false},
       {"a WebP signature alone", "RIFF\x10\0\0\0WEBPVP8 ", false, false},
+      // Found by the fuzz target: a profile whose matrix would overflow the table conversion, and
+      // a 588-byte JPEG claiming 12801 x 1744 pixels whose data a marker cuts short.
+      {"a hostile colour profile", zvtest::readFile(seed("found-crash-6a5be460")), true, true},
+      {"a tiny JPEG claiming 22 megapixels", zvtest::readFile(seed("found-timeout-93157df5")), true,
+       true},
   };
   for (const auto& c : cases) {
     auto image = UIImage::imageWithData(c.bytes);
