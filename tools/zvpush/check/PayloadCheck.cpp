@@ -1,6 +1,7 @@
 #include "check/PayloadCheck.h"
 
 #include <malloc.h>
+#include <unistd.h>
 
 #include <boost/json.hpp>
 #include <chrono>
@@ -76,7 +77,8 @@ json::object PayloadCheck::run(const std::string& file, std::size_t index, const
   // thread of its own by then, and a fork copies none of its locks' owners. When the fonts cannot
   // be loaded this throws, and the payload is reported failed with the reason.
   static const bool ready = [&] {
-    zv::Platform::shared().setStoreDirectory(s.scratch / "store");
+    // A store of the worker's own: workers that shared one would lock each other out of it.
+    zv::Platform::shared().setStoreDirectory(s.scratch / ("store-" + std::to_string(::getpid())));
     zv::ZVExtensionDataManager::sharedManager().setAppGroupID("group.zvpush.check");
     try {
       PreviewScene::prepare();
