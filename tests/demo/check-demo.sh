@@ -40,7 +40,7 @@ expect "why missing-title loses its rich push" '^  rich     dropped at zovFeatur
 card not-ours
 expect "not-ours as not ours" '^  ours     no: no "zentrova" dictionary' "$out/card.txt"
 expect "closing table" '^example +ours +template +attachments +report$'
-expect "reports summary" '^reports received by the endpoint: 7, carrying [0-9]+ events$'
+expect "reports summary" '^reports received by the endpoint: 8, carrying [0-9]+ events$'
 for f in examples/*.json; do
   name=$(basename "$f" .json)
   [ "$name" = not-ours ] && continue

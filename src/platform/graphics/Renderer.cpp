@@ -320,14 +320,15 @@ void Renderer::drawLabel(cairo_t* cr, const UILabel& label) const {
   }
   pango_layout_set_attributes(layout.get(), attributes.get());
 
-  // A label centres its text vertically in its bounds.
+  // A label centres its text vertically in its bounds, also a line taller than its row (a script
+  // whose face has tall ascents and descents): half of the extra room is cut above, half below.
   PangoRectangle logical;
   pango_layout_get_extents(layout.get(), nullptr, &logical);
   double height = static_cast<double>(logical.height) / PANGO_SCALE;
   cairo_save(cr);
   cairo_rectangle(cr, 0, 0, bounds.size.width, bounds.size.height);
   cairo_clip(cr);
-  cairo_move_to(cr, 0, std::max(0.0, (bounds.size.height - height) / 2));
+  cairo_move_to(cr, 0, (bounds.size.height - height) / 2);
   pango_cairo_show_layout(cr, layout.get());
   cairo_restore(cr);
 }

@@ -30,7 +30,8 @@ constexpr FallbackPackage kFallbackPackages[] = {
 // After Inter, a character is looked for in these families, in this order; what none of them has
 // falls to the rest of the Noto folders by fontconfig's own ranking (still only Noto sans faces).
 // The serif, display, UI and calligraphic variants are left out so that a script always gets the
-// plain sans face the phone's system font resembles.
+// plain face the phone's system font resembles: sans, but looped for Thai and Lao, whose system
+// faces keep the loops (the loopless faces read as Latin letters).
 //
 // Bitmap faces (Noto Color Emoji holds its emoji as pictures of one size, no outlines) are scaled
 // to the size asked for, so an emoji is as large, and advances as far, as the text around it at
@@ -50,7 +51,7 @@ constexpr FallbackPackage kFallbackPackages[] = {
 constexpr char kRules[] = R"(
   <selectfont><rejectfont>
     <glob>*/NotoSerif*</glob><glob>*/NotoKufi*</glob><glob>*/NotoNaskh*</glob>
-    <glob>*/NotoNastaliq*</glob><glob>*/NotoRashi*</glob><glob>*/NotoLooped*</glob>
+    <glob>*/NotoNastaliq*</glob><glob>*/NotoRashi*</glob>
     <glob>*/NotoSansDisplay*</glob><glob>*UI-*</glob><glob>*Unjoined*</glob>
   </rejectfont></selectfont>
   <match target="font"><test name="outline"><bool>false</bool></test>
@@ -77,7 +78,7 @@ constexpr char kRules[] = R"(
     <edit name="family" mode="append" binding="strong">
       <string>Noto Sans</string>
       <string>Noto Sans Arabic</string><string>Noto Sans Hebrew</string>
-      <string>Noto Sans Thai</string><string>Noto Sans Lao</string><string>Noto Sans Khmer</string>
+      <string>Noto Looped Thai</string><string>Noto Looped Lao</string><string>Noto Sans Khmer</string>
       <string>Noto Sans Devanagari</string><string>Noto Sans Bengali</string>
       <string>Noto Sans Tamil</string><string>Noto Sans Armenian</string>
       <string>Noto Sans Georgian</string><string>Noto Sans Ethiopic</string>

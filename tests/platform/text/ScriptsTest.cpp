@@ -106,7 +106,7 @@ TEST(ScriptsTest, EveryScriptMeasuresAndDrawsAsThePhoneShowsIt) {
       {"Korean", "오늘만 특별 할인 행사", "Noto Sans CJK KR", nullptr, true},
       {"Arabic", "تخفيضات كبيرة اليوم فقط", "Noto Sans Arabic", "تخفيضات", true},
       {"Hebrew", "מבצע גדול היום בלבד", "Noto Sans Hebrew", "מבצע", true},
-      {"Thai", "ลดราคาพิเศษวันนี้เท่านั้น", "Noto Sans Thai", nullptr, true},
+      {"Thai", "ลดราคาพิเศษวันนี้เท่านั้น", "Noto Looped Thai", nullptr, true},
       {"Devanagari", "आज विशेष छूट उपलब्ध है", "Noto Sans Devanagari", nullptr, true},
       {"LatinArabic", "Sale تخفيض 50% today", "Noto Sans Arabic", "تخفيض"},
       {"Fire", "🔥", "Noto Color Emoji", nullptr, false, true},
