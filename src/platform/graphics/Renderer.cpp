@@ -316,6 +316,11 @@ void Renderer::drawLabel(cairo_t* cr, const UILabel& label) const {
     add(pango_attr_foreground_alpha_new(channel(color->alpha)));
     if (a && a->underline) add(pango_attr_underline_new(PANGO_UNDERLINE_SINGLE));
     if (a && a->strikethrough) add(pango_attr_strikethrough_new(TRUE));
+    // A language the sender gave picks the CJK face of its run (Japanese, Korean, Traditional
+    // Chinese); the measurer does without it, as the CJK faces share their line heights.
+    if (a && a->language && !a->language->empty()) {
+      add(pango_attr_language_new(pango_language_from_string(a->language->c_str())));
+    }
     unit += run.length;
   }
   pango_layout_set_attributes(layout.get(), attributes.get());

@@ -44,7 +44,8 @@ constexpr FallbackPackage kFallbackPackages[] = {
 //
 // Chinese, Japanese and Korean share the Han ideographs but draw them differently, so the CJK face
 // follows the language of the run (the layout gives each CJK text a language, see
-// PangoTextLayout.h): Japanese, Korean, Traditional Chinese (Taiwan) and Hong Kong get their face
+// PangoTextLayout.h; a sender's HTML lang goes with its run): Japanese, Korean, Traditional
+// Chinese (zh-TW, zh-Hant) and Hong Kong get their face
 // first, and everything else, including a run with no language, gets Simplified Chinese, which
 // follows the other scripts' faces. All CJK faces share their vertical metrics, so the choice never
 // changes a height.
@@ -71,6 +72,8 @@ constexpr char kRules[] = R"(
   <match target="pattern"><test name="lang"><string>ko</string></test>
     <edit name="family" mode="append" binding="strong"><string>Noto Sans CJK KR</string></edit></match>
   <match target="pattern"><test name="lang"><string>zh-tw</string></test>
+    <edit name="family" mode="append" binding="strong"><string>Noto Sans CJK TC</string></edit></match>
+  <match target="pattern"><test name="lang"><string>zh-hant</string></test>
     <edit name="family" mode="append" binding="strong"><string>Noto Sans CJK TC</string></edit></match>
   <match target="pattern"><test name="lang"><string>zh-hk</string></test>
     <edit name="family" mode="append" binding="strong"><string>Noto Sans CJK HK</string></edit></match>

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdlib>
 
+#include "zentrova/model/ZVRichNotifUtils.h"
 #include "zentrova/platform/foundation/UniqueHandle.h"
 #include "zentrova/platform/graphics/Renderer.h"
 #include "zentrova/platform/text/PangoFontConfiguration.h"
@@ -171,6 +172,21 @@ TEST(ScriptsTest, LanguagePicksTheCjkFaceAndRightToLeftAlignsRight) {
       {"Weather", ""},      {"مرحبا", ""},
   };
   for (const auto& c : cases) EXPECT_EQ(PangoTextLayout::languageOf(c.text), c.language);
+
+  // The sender's lang draws 直 in its country's form; without one, a lone ideograph is Chinese.
+  auto m = std::make_shared<PangoTextMeasurer>();
+  auto draw = [&](const char* html) {
+    auto root = UIView::make({{0, 0}, {40, 30}});
+    auto label = UILabel::make(m, {{0, 0}, {40, 30}});
+    label->setAttributedText(*ZVRichNotifUtils::getAttributedStringFromHTMLStr(html, false));
+    root->addSubview(label);
+    return Renderer(kScale).draw(*root)->data;
+  };
+  const auto japanese = draw("<span lang=\"ja\">直</span>");
+  const auto chinese = draw("<span lang=\"zh-CN\">直</span>");
+  EXPECT_NE(japanese, chinese);
+  EXPECT_NE(draw("<p lang=\"zh-TW\"><b>骨</b></p>"), draw("<p><b>骨</b></p>"));
+  EXPECT_EQ(draw("直"), chinese);
 
   // A right-to-left paragraph starts at the right; an explicit left keeps it left.
   for (auto [alignment, right] :
