@@ -13,12 +13,12 @@
 #include <string>
 #include <vector>
 
-#include "zentrova/model/ZVRichNotifUtils.h"
-#include "zentrova/platform/graphics/Renderer.h"
-#include "zentrova/platform/text/PangoTextMeasurer.h"
-#include "zentrova/platform/text/Utf16.h"
-#include "zentrova/platform/ui/UIColor.h"
-#include "zentrova/platform/ui/UILabel.h"
+#include "model/ZVRichNotifUtils.h"
+#include "zentrova/Renderer.h"
+#include "platform/text/PangoTextMeasurer.h"
+#include "platform/text/Utf16.h"
+#include "platform/ui/UIColor.h"
+#include "platform/ui/UILabel.h"
 
 namespace {
 

@@ -5,12 +5,12 @@
 #include <cmath>
 
 #include "FuzzInput.h"
-#include "zentrova/model/ZVRichNotifUtils.h"
-#include "zentrova/platform/graphics/Renderer.h"
-#include "zentrova/platform/text/PangoTextMeasurer.h"
-#include "zentrova/platform/text/StyledText.h"
-#include "zentrova/platform/ui/UIColor.h"
-#include "zentrova/platform/ui/UILabel.h"
+#include "model/ZVRichNotifUtils.h"
+#include "zentrova/Renderer.h"
+#include "platform/text/PangoTextMeasurer.h"
+#include "platform/text/StyledText.h"
+#include "platform/ui/UIColor.h"
+#include "platform/ui/UILabel.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static auto measurer = std::make_shared<zv::PangoTextMeasurer>();

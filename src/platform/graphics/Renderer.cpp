@@ -1,4 +1,4 @@
-#include "zentrova/platform/graphics/Renderer.h"
+#include "zentrova/Renderer.h"
 
 #include <cairo.h>
 #include <pango/pangocairo.h>
@@ -7,19 +7,19 @@
 #include <cmath>
 #include <vector>
 
-#include "zentrova/platform/foundation/UniqueHandle.h"
-#include "zentrova/platform/graphics/CGImage.h"
-#include "zentrova/platform/graphics/PngWriter.h"
-#include "zentrova/platform/graphics/UIImage.h"
-#include "zentrova/platform/text/PangoFontConfiguration.h"
-#include "zentrova/platform/text/PangoTextLayout.h"
-#include "zentrova/platform/ui/CALayer.h"
-#include "zentrova/platform/ui/UICollectionView.h"
-#include "zentrova/platform/ui/UIColor.h"
-#include "zentrova/platform/ui/UIImageView.h"
-#include "zentrova/platform/ui/UILabel.h"
-#include "zentrova/platform/ui/UIPageControl.h"
-#include "zentrova/platform/ui/UIView.h"
+#include "platform/foundation/UniqueHandle.h"
+#include "platform/graphics/CGImage.h"
+#include "platform/graphics/PngWriter.h"
+#include "platform/graphics/UIImage.h"
+#include "platform/text/PangoFontConfiguration.h"
+#include "platform/text/PangoTextLayout.h"
+#include "platform/ui/CALayer.h"
+#include "platform/ui/UICollectionView.h"
+#include "platform/ui/UIColor.h"
+#include "platform/ui/UIImageView.h"
+#include "platform/ui/UILabel.h"
+#include "platform/ui/UIPageControl.h"
+#include "zentrova/UIView.h"
 
 namespace zv {
 

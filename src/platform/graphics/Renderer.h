@@ -12,8 +12,8 @@
 #include <memory>
 
 #include "zentrova/Export.h"
-#include "zentrova/platform/foundation/Geometry.h"
-#include "zentrova/platform/graphics/PixelBuffer.h"
+#include "zentrova/Geometry.h"
+#include "platform/graphics/PixelBuffer.h"
 
 ZENTROVA_API_BEGIN
 

@@ -6,9 +6,9 @@
 #include <string>
 
 #include "zentrova/Export.h"
-#include "zentrova/platform/foundation/Color.h"
-#include "zentrova/platform/text/TextAttributes.h"
-#include "zentrova/platform/text/TextTransform.h"
+#include "zentrova/Color.h"
+#include "platform/text/TextAttributes.h"
+#include "platform/text/TextTransform.h"
 
 ZENTROVA_API_BEGIN
 

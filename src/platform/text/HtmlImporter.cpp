@@ -1,4 +1,4 @@
-#include "zentrova/platform/text/HtmlImporter.h"
+#include "platform/text/HtmlImporter.h"
 
 #include <fmt/format.h>
 
@@ -7,11 +7,11 @@
 #include <cwctype>
 #include <vector>
 
-#include "zentrova/platform/foundation/Url.h"
-#include "zentrova/platform/text/CssText.h"
-#include "zentrova/platform/text/HtmlDocument.h"
-#include "zentrova/platform/text/HtmlTextBuilder.h"
-#include "zentrova/platform/text/StyleResolver.h"
+#include "zentrova/Url.h"
+#include "platform/text/CssText.h"
+#include "platform/text/HtmlDocument.h"
+#include "platform/text/HtmlTextBuilder.h"
+#include "platform/text/StyleResolver.h"
 
 namespace zv {
 

@@ -1,4 +1,4 @@
-#include "zentrova/platform/text/PangoFontConfiguration.h"
+#include "platform/text/PangoFontConfiguration.h"
 
 #include <fontconfig/fontconfig.h>
 #include <pango/pangocairo.h>
@@ -6,8 +6,8 @@
 
 #include <iostream>
 
-#include "zentrova/platform/foundation/Exception.h"
-#include "zentrova/platform/foundation/UniqueHandle.h"
+#include "zentrova/Exception.h"
+#include "platform/foundation/UniqueHandle.h"
 
 namespace zv {
 

@@ -1,10 +1,10 @@
-#include "zentrova/platform/text/PangoTextLayout.h"
+#include "platform/text/PangoTextLayout.h"
 
 #include <pango/pangocairo.h>
 
 #include <algorithm>
 
-#include "zentrova/platform/foundation/UniqueHandle.h"
+#include "platform/foundation/UniqueHandle.h"
 
 namespace zv {
 

@@ -23,11 +23,8 @@
 #include <string>
 #include <string_view>
 
-#include "zentrova/Export.h"
-#include "zentrova/platform/text/Font.h"
-#include "zentrova/platform/text/TextAttributes.h"
-
-ZENTROVA_API_BEGIN
+#include "platform/text/Font.h"
+#include "platform/text/TextAttributes.h"
 
 typedef struct _PangoLayout PangoLayout;
 typedef struct _PangoFontDescription PangoFontDescription;
@@ -49,5 +46,3 @@ class PangoTextLayout {
 };
 
 }  // namespace zv
-
-ZENTROVA_API_END

@@ -1,4 +1,4 @@
-#include "zentrova/platform/text/PangoTextMeasurer.h"
+#include "platform/text/PangoTextMeasurer.h"
 
 #include <fmt/format.h>
 #include <pango/pangocairo.h>
@@ -6,9 +6,9 @@
 
 #include <algorithm>
 
-#include "zentrova/platform/foundation/Exception.h"
-#include "zentrova/platform/text/PangoFontConfiguration.h"
-#include "zentrova/platform/text/PangoTextLayout.h"
+#include "zentrova/Exception.h"
+#include "platform/text/PangoFontConfiguration.h"
+#include "platform/text/PangoTextLayout.h"
 
 namespace zv {
 

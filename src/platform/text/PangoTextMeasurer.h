@@ -24,8 +24,8 @@
 #include <utility>
 
 #include "zentrova/Export.h"
-#include "zentrova/platform/foundation/UniqueHandle.h"
-#include "zentrova/platform/text/TextMeasurer.h"
+#include "platform/foundation/UniqueHandle.h"
+#include "platform/text/TextMeasurer.h"
 
 ZENTROVA_API_BEGIN
 

@@ -1,9 +1,9 @@
-#include "zentrova/platform/text/StyleResolver.h"
+#include "platform/text/StyleResolver.h"
 
-#include "zentrova/platform/text/CssColor.h"
-#include "zentrova/platform/text/CssProperties.h"
-#include "zentrova/platform/text/CssText.h"
-#include "zentrova/platform/text/HtmlDocument.h"
+#include "platform/text/CssColor.h"
+#include "platform/text/CssProperties.h"
+#include "platform/text/CssText.h"
+#include "platform/text/HtmlDocument.h"
 
 namespace zv {
 

@@ -14,9 +14,9 @@
 #include <string_view>
 
 #include "zentrova/Export.h"
-#include "zentrova/platform/text/ComputedStyle.h"
-#include "zentrova/platform/text/CssDeclarations.h"
-#include "zentrova/platform/text/CssStyleSheet.h"
+#include "platform/text/ComputedStyle.h"
+#include "platform/text/CssDeclarations.h"
+#include "platform/text/CssStyleSheet.h"
 
 ZENTROVA_API_BEGIN
 

@@ -1,4 +1,4 @@
-#include "zentrova/platform/text/TextAttributes.h"
+#include "platform/text/TextAttributes.h"
 
 namespace zv {
 

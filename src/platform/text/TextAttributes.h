@@ -10,7 +10,7 @@
 #include <variant>
 
 #include "zentrova/Export.h"
-#include "zentrova/platform/foundation/Color.h"
+#include "zentrova/Color.h"
 
 ZENTROVA_API_BEGIN
 

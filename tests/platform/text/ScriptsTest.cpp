@@ -5,14 +5,14 @@
 #include <cmath>
 #include <cstdlib>
 
-#include "zentrova/model/ZVRichNotifUtils.h"
-#include "zentrova/platform/foundation/UniqueHandle.h"
-#include "zentrova/platform/graphics/Renderer.h"
-#include "zentrova/platform/text/PangoFontConfiguration.h"
-#include "zentrova/platform/text/PangoTextLayout.h"
-#include "zentrova/platform/text/PangoTextMeasurer.h"
-#include "zentrova/platform/ui/UIColor.h"
-#include "zentrova/platform/ui/UILabel.h"
+#include "model/ZVRichNotifUtils.h"
+#include "platform/foundation/UniqueHandle.h"
+#include "zentrova/Renderer.h"
+#include "platform/text/PangoFontConfiguration.h"
+#include "platform/text/PangoTextLayout.h"
+#include "platform/text/PangoTextMeasurer.h"
+#include "platform/ui/UIColor.h"
+#include "platform/ui/UILabel.h"
 
 namespace zv {
 namespace {
