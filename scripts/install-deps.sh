@@ -8,6 +8,7 @@ packages=(
   libboost1.81-dev libboost-json1.81-dev libboost-url1.81-dev
   libcurl4-openssl-dev libsqlite3-dev libssl-dev libmagic-dev libfmt-dev
   libgumbo-dev libpango1.0-dev libcairo2-dev fonts-inter fontconfig
+  fonts-noto-core fonts-noto-cjk fonts-noto-color-emoji
   libgif-dev libpng-dev libjpeg62-turbo-dev libwebp-dev liblcms2-dev libexif-dev
   libavformat-dev libavcodec-dev libavutil-dev libswscale-dev ffmpeg imagemagick
   libgtest-dev libgmock-dev libbenchmark-dev libcpp-httplib-dev clang-format

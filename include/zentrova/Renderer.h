@@ -5,7 +5,8 @@
 /// line count, truncation with an ellipsis on the last line), image views by content mode (the
 /// animation frame due at the run loop's time), page-control dots, and layers that draw a picture
 /// of their own (a clip's frame) by their gravity. Hidden views and views of alpha 0 draw nothing.
-/// Text is drawn in Inter through a private font configuration. Main thread only.
+/// Text is drawn in Inter and its Noto fallbacks (every script, colour emoji) through a private
+/// font configuration, laid out as the text measurer lays it out. Main thread only.
 #pragma once
 
 #include <filesystem>

@@ -45,8 +45,8 @@ card not-ours
 expect "not-ours as not ours" '^  ours     no: no "zentrova" dictionary' "$out/card.txt"
 expect "closing table" '^example +ours +template +attachments +report$'
 expect "no low-contrast example" '^low-contrast findings in either style: 0$'
-expect "check summary last" '^zvpush check: 9 payloads, 90 previews: [0-9]+ errors?, [0-9]+ warnings?, [0-9]+ infos?; (fails|passes) \(--fail-on error\)$' <(tail -n 1 "$out/demo.txt")
-expect "reports summary" '^reports received by the endpoint: 8, carrying [0-9]+ events$'
+expect "check summary last" '^zvpush check: 10 payloads, 100 previews: [0-9]+ errors?, [0-9]+ warnings?, [0-9]+ infos?; (fails|passes) \(--fail-on error\)$' <(tail -n 1 "$out/demo.txt")
+expect "reports summary" '^reports received by the endpoint: 9, carrying [0-9]+ events$'
 for f in examples/*.json; do
   name=$(basename "$f" .json)
   [ "$name" = not-ours ] && continue

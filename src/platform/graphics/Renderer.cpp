@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 #include "platform/foundation/UniqueHandle.h"
 #include "platform/graphics/CGImage.h"
@@ -12,6 +13,7 @@
 #include "platform/graphics/PngWriter.h"
 #include "platform/graphics/UIImage.h"
 #include "platform/text/PangoFontConfiguration.h"
+#include "platform/text/PangoTextLayout.h"
 #include "platform/ui/CALayer.h"
 #include "platform/ui/UICollectionView.h"
 #include "platform/ui/UIColor.h"
@@ -71,14 +73,24 @@ void paintImage(cairo_t* cr, const CGImage& image, const CGRect& rect) {
   cairo_restore(cr);
 }
 
-PangoFontDescription* describe(const Font& font) {
-  PangoFontDescription* d = pango_font_description_new();
-  pango_font_description_set_family(d, "Inter");
-  pango_font_description_set_absolute_size(d, std::max(font.size(), 0.0) * PANGO_SCALE);
-  pango_font_description_set_weight(d,
-                                    static_cast<PangoWeight>(std::clamp(font.weight(), 100, 1000)));
-  pango_font_description_set_style(d, font.italic() ? PANGO_STYLE_ITALIC : PANGO_STYLE_NORMAL);
-  return d;
+// Where each UTF-16 unit starts in the UTF-8 that utf16ToUtf8 writes (one more entry for the end):
+// a surrogate pair is 4 bytes, counted at its first unit; a lone surrogate becomes U+FFFD (3
+// bytes).
+std::vector<std::size_t> utf8Offsets(const std::u16string& units) {
+  std::vector<std::size_t> offsets(units.size() + 1, 0);
+  for (std::size_t i = 0; i < units.size(); ++i) {
+    char16_t c = units[i];
+    std::size_t bytes = c < 0x80 ? 1 : c < 0x800 ? 2 : 3;
+    if (c >= 0xD800 && c < 0xDC00 && i + 1 < units.size() && units[i + 1] >= 0xDC00 &&
+        units[i + 1] < 0xE000) {
+      offsets[i + 1] = offsets[i] + 4;
+      offsets[i + 2] = offsets[i + 1];
+      ++i;
+      continue;
+    }
+    offsets[i + 1] = offsets[i] + bytes;
+  }
+  return offsets;
 }
 
 guint16 channel(double v) {
@@ -272,10 +284,16 @@ void Renderer::drawLabel(cairo_t* cr, const UILabel& label) const {
   UniqueHandle<PangoContext, g_object_unref> context(pango_font_map_create_context(fontMap_));
   PangoFontConfiguration::configure(context.get());
   UniqueHandle<PangoLayout, g_object_unref> layout(pango_layout_new(context.get()));
-  pango_layout_set_text(layout.get(), plain.c_str(), static_cast<int>(plain.size()));
+  TextAlignment alignment = TextAlignment::kNatural;
+  for (const auto& run : text.runs()) {
+    if (run.attributes && run.attributes->paragraphStyle) {
+      alignment = run.attributes->paragraphStyle->alignment;
+      break;
+    }
+  }
+  // Laid out as the measurer lays it out; the runs' own fonts, colours and lines go on top.
   const CGRect bounds = label.bounds();
-  pango_layout_set_width(layout.get(), static_cast<int>(bounds.size.width * PANGO_SCALE));
-  pango_layout_set_wrap(layout.get(), PANGO_WRAP_WORD_CHAR);
+  PangoTextLayout::prepare(layout.get(), plain, label.font(), bounds.size.width, alignment);
   pango_layout_set_ellipsize(layout.get(), PANGO_ELLIPSIZE_END);
   // At most numberOfLines lines (a negative height counts lines), else as many as fit.
   int lines = label.numberOfLines();
@@ -286,30 +304,18 @@ void Renderer::drawLabel(cairo_t* cr, const UILabel& label) const {
   ColorRef fallback = label.textColor() ? label.textColor() : UIColor::blackColor();
   UniqueHandle<PangoAttrList, pango_attr_list_unref> attributes(pango_attr_list_new());
   // Runs count UTF-16 units; Pango counts UTF-8 bytes.
-  std::size_t unit = 0, byte = 0;
-  const std::u16string& units = text.characters();
+  const std::vector<std::size_t> offsets = utf8Offsets(text.characters());
+  std::size_t unit = 0;
   for (const auto& run : text.runs()) {
-    std::size_t runBytes = 0;
-    for (std::size_t i = unit; i < unit + run.length && i < units.size(); ++i) {
-      char16_t c = units[i];
-      if (c < 0x80) {
-        runBytes += 1;
-      } else if (c < 0x800) {
-        runBytes += 2;
-      } else if (c >= 0xD800 && c < 0xDC00) {
-        runBytes += 4;
-        ++i;  // the low surrogate is part of the same character
-      } else {
-        runBytes += 3;
-      }
-    }
+    const std::size_t end = std::min(unit + run.length, offsets.size() - 1);
     auto add = [&](PangoAttribute* a) {
-      a->start_index = static_cast<guint>(byte);
-      a->end_index = static_cast<guint>(byte + runBytes);
+      a->start_index = static_cast<guint>(offsets[std::min(unit, end)]);
+      a->end_index = static_cast<guint>(offsets[end]);
       pango_attr_list_insert(attributes.get(), a);
     };
     Font font = text.fontAt(unit).value_or(label.font());
-    UniqueHandle<PangoFontDescription, pango_font_description_free> description(describe(font));
+    UniqueHandle<PangoFontDescription, pango_font_description_free> description(
+        PangoTextLayout::describe(font));
     add(pango_attr_font_desc_new(description.get()));
     const TextAttributes* a = run.attributes.get();
     ColorRef color = a && a->foregroundColor ? a->foregroundColor : fallback;
@@ -319,34 +325,24 @@ void Renderer::drawLabel(cairo_t* cr, const UILabel& label) const {
     add(pango_attr_foreground_alpha_new(channel(color->alpha)));
     if (a && a->underline) add(pango_attr_underline_new(PANGO_UNDERLINE_SINGLE));
     if (a && a->strikethrough) add(pango_attr_strikethrough_new(TRUE));
-    if (a && a->paragraphStyle) {
-      switch (a->paragraphStyle->alignment) {
-        case TextAlignment::kCenter:
-          pango_layout_set_alignment(layout.get(), PANGO_ALIGN_CENTER);
-          break;
-        case TextAlignment::kRight:
-          pango_layout_set_alignment(layout.get(), PANGO_ALIGN_RIGHT);
-          break;
-        case TextAlignment::kJustified:
-          pango_layout_set_justify(layout.get(), TRUE);
-          break;
-        default:
-          break;
-      }
+    // A language the sender gave picks the CJK face of its run (Japanese, Korean, Traditional
+    // Chinese); the measurer does without it, as the CJK faces share their line heights.
+    if (a && a->language && !a->language->empty()) {
+      add(pango_attr_language_new(pango_language_from_string(a->language->c_str())));
     }
     unit += run.length;
-    byte += runBytes;
   }
   pango_layout_set_attributes(layout.get(), attributes.get());
 
-  // A label centres its text vertically in its bounds.
+  // A label centres its text vertically in its bounds, also a line taller than its row (a script
+  // whose face has tall ascents and descents): half of the extra room is cut above, half below.
   PangoRectangle logical;
   pango_layout_get_extents(layout.get(), nullptr, &logical);
   double height = static_cast<double>(logical.height) / PANGO_SCALE;
   cairo_save(cr);
   cairo_rectangle(cr, 0, 0, bounds.size.width, bounds.size.height);
   cairo_clip(cr);
-  cairo_move_to(cr, 0, std::max(0.0, (bounds.size.height - height) / 2));
+  cairo_move_to(cr, 0, (bounds.size.height - height) / 2);
   pango_cairo_show_layout(cr, layout.get());
   cairo_restore(cr);
 }

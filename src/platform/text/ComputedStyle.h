@@ -37,7 +37,8 @@ struct ComputedStyle {
   WhiteSpace whiteSpace = WhiteSpace::kNormal;
   TextAlignment alignment = TextAlignment::kNatural;
   TextTransform textTransform = TextTransform::kNone;
-  std::string link;  // the href of the enclosing link, "" for none
+  std::string link;      // the href of the enclosing link, "" for none
+  std::string language;  // the lang of the nearest element that has one, "" for none
   // Decorations in effect: this element's own and those of its ancestors, which reach into the
   // descendants and cannot be taken back by them.
   bool underline = false;

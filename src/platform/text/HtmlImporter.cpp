@@ -114,7 +114,8 @@ bool isAtom(const GumboNode* e) {
 bool sameText(const ComputedStyle& a, const ComputedStyle& b) {
   return a.fontFamily == b.fontFamily && a.fontSize == b.fontSize && a.fontWeight == b.fontWeight &&
          a.italic == b.italic && a.color == b.color && a.underline == b.underline &&
-         a.strikethrough == b.strikethrough && a.link == b.link && a.alignment == b.alignment;
+         a.strikethrough == b.strikethrough && a.link == b.link && a.alignment == b.alignment &&
+         a.language == b.language;
 }
 
 AttributesRef makeAttributes(const ComputedStyle& s) {
@@ -127,6 +128,7 @@ AttributesRef makeAttributes(const ComputedStyle& s) {
   if (s.strikethrough) a->strikethrough = kUnderlineStyleSingle;
   a->foregroundColor = Color::make(s.color.red, s.color.green, s.color.blue, s.color.alpha);
   if (!s.link.empty()) a->link = s.link;
+  if (!s.language.empty()) a->language = s.language;
   a->paragraphStyle = ParagraphStyle{s.alignment};
   return a;
 }

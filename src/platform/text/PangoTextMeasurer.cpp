@@ -7,6 +7,7 @@
 #include <algorithm>
 
 #include "platform/text/PangoFontConfiguration.h"
+#include "platform/text/PangoTextLayout.h"
 #include "zentrova/Exception.h"
 
 namespace zv {
@@ -17,16 +18,7 @@ constexpr char kFontMissing[] = "TextMeasurerFontMissing";
 
 using Description = UniqueHandle<PangoFontDescription, pango_font_description_free>;
 
-Description describe(const Font& font) {
-  Description d(pango_font_description_new());
-  pango_font_description_set_family(d.get(), PangoTextMeasurer::kFamily);
-  pango_font_description_set_absolute_size(d.get(), std::max(font.size(), 0.0) * PANGO_SCALE);
-  pango_font_description_set_weight(d.get(),
-                                    static_cast<PangoWeight>(std::clamp(font.weight(), 100, 1000)));
-  pango_font_description_set_style(d.get(),
-                                   font.italic() ? PANGO_STYLE_ITALIC : PANGO_STYLE_NORMAL);
-  return d;
-}
+Description describe(const Font& font) { return Description(PangoTextLayout::describe(font)); }
 
 }  // namespace
 
@@ -37,7 +29,6 @@ PangoTextMeasurer::PangoTextMeasurer() {
   context_.reset(pango_font_map_create_context(fontMap_.get()));
   PangoFontConfiguration::configure(context_.get());
   layout_.reset(pango_layout_new(context_.get()));
-  pango_layout_set_wrap(layout_.get(), PANGO_WRAP_WORD_CHAR);
   std::lock_guard lock(mutex_);
   checkFace(Font::systemFont(17));
 }
@@ -76,17 +67,7 @@ TextSize PangoTextMeasurer::boundingSize(std::string_view text, const Font& font
   if (text.empty()) return {};
   std::lock_guard lock(mutex_);
   checkFace(font);
-  Description d = describe(font);
-  pango_layout_set_font_description(layout_.get(), d.get());
-  pango_layout_set_width(layout_.get(), width > 0 ? static_cast<int>(width * PANGO_SCALE) : -1);
-  // Pango needs valid UTF-8; broken bytes become U+FFFD rather than a warning and a cut text.
-  if (g_utf8_validate(text.data(), static_cast<gssize>(text.size()), nullptr)) {
-    pango_layout_set_text(layout_.get(), text.data(), static_cast<int>(text.size()));
-  } else {
-    gchar* valid = g_utf8_make_valid(text.data(), static_cast<gssize>(text.size()));
-    pango_layout_set_text(layout_.get(), valid, -1);
-    g_free(valid);
-  }
+  PangoTextLayout::prepare(layout_.get(), text, font, width);
   PangoRectangle logical;
   pango_layout_get_extents(layout_.get(), nullptr, &logical);
   return TextSize{static_cast<double>(logical.width) / PANGO_SCALE,

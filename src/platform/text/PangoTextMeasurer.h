@@ -1,11 +1,11 @@
 // zv::PangoTextMeasurer is the real text measurer: Pango lays the text out with Cairo's font
 // options fixed (no hinting, unhinted metrics, glyph positions not rounded), so heights are the
 // same on every machine and do not depend on a screen. Whatever family a Font names, it is measured
-// in Inter (Debian's fonts-inter), which stands in for the system font; size, weight and italic
-// come from the Font. Sizes are pixels. Lines wrap at word boundaries and inside words longer than
-// the line; a width of 0 or less does not wrap. The font configuration is private and holds Inter
-// alone (PangoFontConfiguration): glyphs Inter lacks (emoji, scripts it does not cover) measure and
-// draw as Inter's missing-glyph box on every machine alike.
+// in Inter (Debian's fonts-inter), which stands in for the system font, with the Noto families as
+// its fallback for other scripts and colour emoji; size, weight and italic come from the Font.
+// Sizes are pixels. The text is laid out exactly as the renderer lays out a label
+// (PangoTextLayout.h: script rules for breaking, bidirectional text, each line as tall as its
+// tallest face), so the height measured is the height drawn. A width of 0 or less does not wrap.
 //
 // Construction fails loudly, raising zv::Exception "TextMeasurerFontMissing", when fontconfig does
 // not resolve Inter to Inter itself (the package is missing or a configuration substitutes it);

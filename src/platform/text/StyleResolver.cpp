@@ -272,6 +272,7 @@ ComputedStyle StyleResolver::resolve(const GumboNode* e, const ComputedStyle& pa
     s.display = Display::kBlock;
   }
 
+  if (const char* lang = HtmlDocument::attribute(e, "lang")) s.language = lang;
   if (e->v.element.tag == GUMBO_TAG_A) {
     if (const char* href = HtmlDocument::attribute(e, "href")) s.link = href;
   }

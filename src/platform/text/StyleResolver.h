@@ -1,12 +1,12 @@
 // zv::StyleResolver computes the style of each element of a parsed HTML document as a browser's
 // cascade does, limited to what text import needs: the browser's own defaults for each element
 // (b bold, i italic, s struck, headings, pre, lists, tables, hidden elements, ...), presentational
-// attributes (font color, size and face; align; hidden), the document's style sheets and the style
-// attribute, with selector rank (ids, classes, types), source order and !important. Properties
-// read: color, font, font-family, font-size (px, pt, pc, in, cm, mm, em, rem, ex, ch, %, keywords),
-// font-weight, font-style, text-decoration, text-decoration-line, text-transform, display, float,
-// position, visibility, white-space, white-space-collapse and text-align; inherit, initial and
-// unset work for each.
+// attributes (font color, size and face; align; hidden; lang, inherited), the document's style
+// sheets and the style attribute, with selector rank (ids, classes, types), source order and
+// !important. Properties read: color, font, font-family, font-size (px, pt, pc, in, cm, mm, em,
+// rem, ex, ch, %, keywords), font-weight, font-style, text-decoration, text-decoration-line,
+// text-transform, display, float, position, visibility, white-space, white-space-collapse and
+// text-align; inherit, initial and unset work for each.
 #pragma once
 
 #include <gumbo.h>

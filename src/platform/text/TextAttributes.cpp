@@ -35,6 +35,8 @@ std::optional<AttributeValue> TextAttributes::value(Attribute a) const {
       return wrap(link);
     case Attribute::kParagraphStyle:
       return wrap(paragraphStyle);
+    case Attribute::kLanguage:
+      return wrap(language);
   }
   return std::nullopt;
 }
@@ -68,6 +70,9 @@ void TextAttributes::remove(Attribute a) {
     case Attribute::kParagraphStyle:
       paragraphStyle.reset();
       break;
+    case Attribute::kLanguage:
+      language.reset();
+      break;
   }
 }
 
@@ -76,7 +81,8 @@ bool TextAttributes::operator==(const TextAttributes& o) const {
                    (foregroundColor && o.foregroundColor && *foregroundColor == *o.foregroundColor);
   return sameColor && fontFamily == o.fontFamily && fontSize == o.fontSize &&
          fontWeight == o.fontWeight && italic == o.italic && underline == o.underline &&
-         strikethrough == o.strikethrough && link == o.link && paragraphStyle == o.paragraphStyle;
+         strikethrough == o.strikethrough && link == o.link && paragraphStyle == o.paragraphStyle &&
+         language == o.language;
 }
 
 }  // namespace zv

@@ -1,5 +1,6 @@
 // The attributes that one run of styled text carries: font family, size in pixels, weight and
-// italic, underline and strikethrough styles, the foreground colour, a link and a paragraph style.
+// italic, underline and strikethrough styles, the foreground colour, a link, a paragraph style and
+// the language the sender gave the text (an HTML lang, such as "ja" or "zh-TW").
 // Every attribute may be absent. Attribute names the attributes for the operations that work on
 // one of them (remove it over a range, walk its runs); AttributeValue is one attribute's value.
 #pragma once
@@ -22,6 +23,7 @@ enum class Attribute {
   kForegroundColor,
   kLink,
   kParagraphStyle,
+  kLanguage,
 };
 
 enum class TextAlignment { kNatural, kLeft, kCenter, kRight, kJustified };
@@ -48,6 +50,7 @@ struct TextAttributes {
   ColorRef foregroundColor;  // null when absent
   std::optional<std::string> link;
   std::optional<ParagraphStyle> paragraphStyle;
+  std::optional<std::string> language;
 
   bool has(Attribute a) const;
   // The value of one attribute, or nullopt when absent.
