@@ -6,11 +6,11 @@
 
 #include "FuzzInput.h"
 #include "model/ZVRichNotifUtils.h"
-#include "zentrova/Renderer.h"
 #include "platform/text/PangoTextMeasurer.h"
 #include "platform/text/StyledText.h"
 #include "platform/ui/UIColor.h"
 #include "platform/ui/UILabel.h"
+#include "zentrova/Renderer.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static auto measurer = std::make_shared<zv::PangoTextMeasurer>();
