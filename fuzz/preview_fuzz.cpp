@@ -7,6 +7,7 @@
 
 #include "FuzzInput.h"
 #include "model/ZVMedia.h"
+#include "platform/graphics/PixelBuffer.h"
 #include "platform/text/PangoTextMeasurer.h"
 #include "platform/ui/NSBundle.h"
 #include "platform/ui/RunLoop.h"

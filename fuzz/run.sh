@@ -15,7 +15,8 @@ targets=("$@")
 if [ ${#targets[@]} -eq 0 ]; then
   for seed in fuzz/seeds/*/; do targets+=("$(basename "$seed")"); done
 fi
-cmake --build "$build" -j "$(nproc)" --target "${targets[@]/%/_fuzz}" > /dev/null
+cmake --build "$build" -j "$(nproc)" --target "${targets[@]/%/_fuzz}" > "$build/build.log" 2>&1 ||
+  { grep -E -A5 'error|FAILED' "$build/build.log" | head -n 40; echo "fuzz: the targets do not build"; exit 1; }
 mkdir -p "$build/artifacts"
 failed=0
 for t in "${targets[@]}"; do

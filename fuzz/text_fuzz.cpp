@@ -6,6 +6,7 @@
 
 #include "FuzzInput.h"
 #include "model/ZVRichNotifUtils.h"
+#include "platform/graphics/PixelBuffer.h"
 #include "platform/text/PangoTextMeasurer.h"
 #include "platform/text/StyledText.h"
 #include "platform/ui/UIColor.h"
