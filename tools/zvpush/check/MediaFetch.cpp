@@ -4,16 +4,13 @@
 
 #include <boost/json.hpp>
 #include <chrono>
-#include <map>
-#include <mutex>
 
 #include "model/ZVMedia.h"
 #include "payload/ContentOnlyFlow.h"
 #include "payload/DeliveredContent.h"
+#include "payload/TransferLog.h"
 #include "platform/net/UrlSession.h"
 #include "platform/net/UrlSessionConfiguration.h"
-#include "platform/net/UrlSessionObserver.h"
-#include "platform/net/UrlSessionTask.h"
 #include "service/ServicePlan.h"
 #include "service/ZVRichNotificationHandler.h"
 #include "zentrova/Platform.h"
@@ -32,47 +29,12 @@ using Attachment = zv::UNNotificationAttachment;
 // As long as the phone gives the service extension.
 constexpr auto kBudget = std::chrono::seconds(30);
 
-// What became of each download, by URL.
-class Transfers : public zv::UrlSessionObserver {
- public:
-  struct Transfer {
-    bool finished = false;
-    long status = 0;
-    std::int64_t received = 0;
-    std::optional<zv::Error> error;
-  };
-  void taskProgressed(const zv::UrlSessionTask& task, std::int64_t received,
-                      std::int64_t) override {
-    std::lock_guard lock(mutex_);
-    byUrl_[urlOf(task)].received = received;
-  }
-  void taskFinished(const zv::UrlSessionTask& task, long status, std::int64_t received,
-                    const std::optional<zv::Error>& error) override {
-    std::lock_guard lock(mutex_);
-    byUrl_[urlOf(task)] = {true, status, received, error};
-  }
-  std::optional<Transfer> of(const std::string& url) const {
-    std::lock_guard lock(mutex_);
-    auto it = byUrl_.find(url);
-    if (it == byUrl_.end()) return std::nullopt;
-    return it->second;
-  }
-
- private:
-  static std::string urlOf(const zv::UrlSessionTask& task) {
-    const auto& url = task.originalRequest().url();
-    return url ? url->absoluteString() : "";
-  }
-  mutable std::mutex mutex_;
-  std::map<std::string, Transfer> byUrl_;
-};
-
 std::string megabytes(std::uintmax_t bytes) {
   return fmt::format("{:.1f} MB", static_cast<double>(bytes) / Attachment::kMegabyte);
 }
 
 // Why a download did not become an attachment, when the network is to blame.
-std::optional<std::string> unreachable(const std::optional<Transfers::Transfer>& t) {
+std::optional<std::string> unreachable(const std::optional<TransferLog::Transfer>& t) {
   if (!t) return "the download did not start";
   if (!t->finished) return "no answer within the service's time";
   if (t->error && t->error->code == zv::UrlSession::kBodyTooLargeError) return std::nullopt;
@@ -104,7 +66,7 @@ zv::Value MediaFetch::deliver(const zv::Value& payload, const Finding& stamp,
   auto request = zv::UNNotificationRequest::requestWithRemoteNotification("check", payload);
   auto& handler = zv::ZVRichNotificationHandler::sharedHandler();
   auto plan = zv::ServicePlan::make(handler, request, false);
-  auto transfers = std::make_shared<Transfers>();
+  auto transfers = std::make_shared<TransferLog>();
   auto configuration = zv::Platform::shared().urlSessionConfiguration();
   configuration.temporaryDirectory = folder_;
   configuration.observer = transfers;

@@ -130,7 +130,7 @@ std::string ShellFiles::bash() const {
 }
 
 std::string ShellFiles::zsh() const {
-  auto spec = [](const OptionDoc& o) {
+  auto optionArgument = [](const OptionDoc& o) {
     std::string description;
     for (char c : o.description) {
       if (c == '[' || c == ']' || c == '\\') description += '\\';
@@ -167,7 +167,7 @@ std::string ShellFiles::zsh() const {
   out << ")' ;;\n";
   for (const auto& c : commands_) {
     out << "        " << c.name << ")\n          _arguments";
-    for (const auto& o : c.options) out << " \\\n            " << spec(o);
+    for (const auto& o : c.options) out << " \\\n            " << optionArgument(o);
     if (!c.literals.empty()) out << " \\\n            '1:action:(" << join(c.literals) << ")'";
     if (c.operands == ValueKind::kFile) out << " \\\n            '*:file:_files'";
     if (c.operands == ValueKind::kDirectory) out << " \\\n            '*:folder:_files -/'";

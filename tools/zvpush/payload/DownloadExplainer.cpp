@@ -13,11 +13,6 @@ namespace zvpush {
 
 namespace {
 
-std::string urlOf(const zv::UrlSessionTask& task) {
-  const auto& url = task.originalRequest().url();
-  return url ? url->absoluteString() : "";
-}
-
 // "12 ms" under a second, "3.4 s" above.
 std::string took(double seconds) {
   return seconds < 1 ? fmt::format("{:.0f} ms", seconds * 1000) : fmt::format("{:.1f} s", seconds);
@@ -39,51 +34,37 @@ void DownloadExplainer::line(const std::string& text) const {
 
 void DownloadExplainer::taskProgressed(const zv::UrlSessionTask& task, std::int64_t received,
                                        std::int64_t expected) {
-  if (!task.isDownload()) return;
+  TransferLog::taskProgressed(task, received, expected);
+  if (!task.isDownload() || progressEvery_ == Clock::duration::zero()) return;
   std::string url = urlOf(task);
   auto now = Clock::now();
-  std::lock_guard lock(mutex_);
-  auto [it, added] = transfers_.try_emplace(url);
-  Transfer& t = it->second;
-  if (added) t.started = t.lastLine = now;
-  if (progressEvery_ == Clock::duration::zero() || now - t.lastLine < progressEvery_) return;
-  t.lastLine = now;
-  std::string of = expected >= 0 ? fmt::format(" of {}", expected) : "";
-  line(fmt::format("media {}: {}{} bytes after {}", url, received, of, took(now - t.started)));
+  auto started = of(url)->started;
+  {
+    std::lock_guard lock(mutex_);
+    auto [it, added] = lastLine_.try_emplace(url, started);
+    if (now - it->second < progressEvery_) return;
+    it->second = now;
+  }
+  std::string total = expected >= 0 ? fmt::format(" of {}", expected) : "";
+  line(fmt::format("media {}: {}{} bytes after {}", url, received, total, took(now - started)));
 }
 
 void DownloadExplainer::taskFinished(const zv::UrlSessionTask& task, long status,
                                      std::int64_t received, const std::optional<zv::Error>& error) {
-  std::string url = urlOf(task);
-  auto now = Clock::now();
-  if (!task.isDownload()) {
-    // The reports request: its answer is the whole story.
-    std::string answer =
-        error ? "failed: " + error->localizedDescription : fmt::format("HTTP {}", status);
-    line(fmt::format("reports {} {}: {}", task.originalRequest().httpMethod(), url, answer));
-    return;
-  }
-  std::lock_guard lock(mutex_);
-  auto [it, added] = transfers_.try_emplace(url);
-  Transfer& t = it->second;
-  if (added) t.started = now;
-  t.finished = true;
-  t.status = status;
-  t.received = received;
-  t.error = error;
-  t.seconds = std::chrono::duration<double>(now - t.started).count();
+  TransferLog::taskFinished(task, status, received, error);
+  if (task.isDownload()) return;
+  // The reports request: its answer is the whole story.
+  std::string answer =
+      error ? "failed: " + error->localizedDescription : fmt::format("HTTP {}", status);
+  line(fmt::format("reports {} {}: {}", task.originalRequest().httpMethod(), urlOf(task), answer));
 }
 
 std::string DownloadExplainer::outcome(const std::string& url, const zv::ZVMedia& media,
                                        const zv::UNNotificationContent& delivered,
                                        const std::filesystem::path& attachments) const {
-  Transfer t;
-  {
-    std::lock_guard lock(mutex_);
-    auto it = transfers_.find(url);
-    if (it == transfers_.end()) return "the download did not start; not attached";
-    t = it->second;
-  }
+  auto transfer = of(url);
+  if (!transfer) return "the download did not start; not attached";
+  const Transfer& t = *transfer;
   for (const auto& a : delivered.attachments()) {
     if (a->identifier() != media.attachmentID) continue;
     return fmt::format("HTTP {}, {} bytes in {}; attached as {} ({})", t.status, t.received,

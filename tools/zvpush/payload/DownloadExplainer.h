@@ -1,5 +1,6 @@
 // What happened to each media item of a notification, for zvpush service --explain: it watches
-// the URL session (HTTP status, bytes received, transfer error, time taken) and, once the content
+// the URL session (a TransferLog: HTTP status, bytes received, transfer error, time taken) and,
+// once the content
 // handler has the content, says on stderr for each media item whether it became an attachment and,
 // when not, why (the server's answer, the transfer error, or the attachment check's own error
 // read again from the file). A slow download prints a line of progress every few seconds when
@@ -16,7 +17,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/net/UrlSessionObserver.h"
+#include "payload/TransferLog.h"
 
 namespace zv {
 class ZVMedia;
@@ -25,10 +26,8 @@ class UNNotificationContent;
 
 namespace zvpush {
 
-class DownloadExplainer : public zv::UrlSessionObserver {
+class DownloadExplainer : public TransferLog {
  public:
-  using Clock = std::chrono::steady_clock;
-
   // progressEvery: how often a running download prints its progress; zero prints none.
   DownloadExplainer(std::FILE* out, Clock::duration progressEvery);
 
@@ -44,16 +43,6 @@ class DownloadExplainer : public zv::UrlSessionObserver {
                const std::filesystem::path& attachments) const;
 
  private:
-  struct Transfer {
-    Clock::time_point started;
-    Clock::time_point lastLine;
-    bool finished = false;
-    long status = 0;
-    std::int64_t received = 0;
-    std::optional<zv::Error> error;
-    double seconds = 0;
-  };
-
   std::string outcome(const std::string& url, const zv::ZVMedia& media,
                       const zv::UNNotificationContent& delivered,
                       const std::filesystem::path& attachments) const;
@@ -62,7 +51,7 @@ class DownloadExplainer : public zv::UrlSessionObserver {
   std::FILE* out_;
   Clock::duration progressEvery_;
   mutable std::mutex mutex_;
-  std::map<std::string, Transfer> transfers_;  // by URL
+  std::map<std::string, Clock::time_point> lastLine_;  // by URL: the last progress line printed
 };
 
 }  // namespace zvpush
